@@ -1,0 +1,35 @@
+# Language level, warnings and instrumentation: one interface target that every target of ours links.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
+endif()
+
+find_program(PRISMO_CCACHE ccache)
+if(PRISMO_CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER ${PRISMO_CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${PRISMO_CCACHE})
+endif()
+
+add_library(prismo_compile INTERFACE)
+target_compile_options(prismo_compile INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wno-sign-conversion -Wundef
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
+  # Bytes of the output depend on float rounding: never fuse a multiply and an add.
+  -ffp-contract=off -fvisibility=hidden)
+
+if(PRISMO_SANITIZE)
+  add_compile_options(-fsanitize=${PRISMO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${PRISMO_SANITIZE})
+endif()
+if(PRISMO_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()
