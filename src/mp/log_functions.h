@@ -1,4 +1,5 @@
-// The functions that the diagnostic log knows, by their index in the log's name table: those that record events.
+// The functions that the diagnostic log knows, by their index in the log's name table: those that record
+// events.
 #pragma once
 
 #include <cstdint>
@@ -133,8 +134,17 @@ enum class LogFunction : uint32_t {
   kBGR8ToBGRFS_WK = 334,
 };
 
-// Kinds of event, with the meaning that most functions give them; 1 to 3 are each function's own.
-enum class LogKind : uint32_t { kStarted = 0, kFinished = 4, kCalled = 5, kWarning = 6, kError = 7 };
+// Kinds of event; what the three steps mean is each function's own.
+enum class LogKind : uint32_t {
+  kStarted = 0,
+  kStep1 = 1,
+  kStep2 = 2,
+  kStep3 = 3,
+  kFinished = 4,
+  kCalled = 5,
+  kWarning = 6,
+  kError = 7,
+};
 
 enum class LogLevel : uint32_t { kDebug, kInfo, kWarn, kError, kFatal };
 
