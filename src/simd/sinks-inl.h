@@ -1,0 +1,211 @@
+// Sinks: where blocks of pixels, given as one vector of bytes a channel, go in memory. Compiled once per
+// instruction set.
+#if defined(PRISMO_SIMD_SINKS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PRISMO_SIMD_SINKS_INL_H_
+#undef PRISMO_SIMD_SINKS_INL_H_
+#else
+#define PRISMO_SIMD_SINKS_INL_H_
+#endif
+
+#include "simd/vectors-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace prismo::HWY_NAMESPACE {
+
+#undef PRISMO_OWN_INTERLEAVE
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR
+#define PRISMO_OWN_INTERLEAVE 1  // Highway interleaves with plain stores only
+#else
+#define PRISMO_OWN_INTERLEAVE 0
+#endif
+
+#if PRISMO_OWN_INTERLEAVE
+
+// Bytes B0 G0 R0 A0 B1 ... of one block, as four vectors. The 32-bit permute puts into each 128-bit lane
+// the quarters of the input that the in-lane unpacks then leave in output order.
+HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& v3) {
+  const D8 d8;
+  const D16 d16;
+#if HWY_TARGET != HWY_SSE4
+  const D32 d32;
+  constexpr size_t kQuads = kLanes / 16;
+  HWY_ALIGN static constexpr auto kTranspose = [] {
+    struct { uint32_t index[kLanes / 4]; } t{};
+    for (size_t lane = 0; lane < kQuads; ++lane)
+      for (size_t j = 0; j < 4; ++j) t.index[4 * lane + j] = static_cast<uint32_t>(kQuads * j + lane);
+    return t;
+  }();
+  const auto transpose = hn::SetTableIndices(d32, kTranspose.index);
+  b = hn::BitCast(d8, hn::TableLookupLanes(hn::BitCast(d32, b), transpose));
+  g = hn::BitCast(d8, hn::TableLookupLanes(hn::BitCast(d32, g), transpose));
+  r = hn::BitCast(d8, hn::TableLookupLanes(hn::BitCast(d32, r), transpose));
+#endif
+  const auto bg_low = hn::BitCast(d16, hn::InterleaveLower(d8, b, g));
+  const auto bg_high = hn::BitCast(d16, hn::InterleaveUpper(d8, b, g));
+  const auto ra_low = hn::BitCast(d16, hn::InterleaveLower(d8, r, a));
+  const auto ra_high = hn::BitCast(d16, hn::InterleaveUpper(d8, r, a));
+  v0 = hn::BitCast(d8, hn::InterleaveLower(d16, bg_low, ra_low));
+  v1 = hn::BitCast(d8, hn::InterleaveUpper(d16, bg_low, ra_low));
+  v2 = hn::BitCast(d8, hn::InterleaveLower(d16, bg_high, ra_high));
+  v3 = hn::BitCast(d8, hn::InterleaveUpper(d16, bg_high, ra_high));
+}
+
+// Byte (or 16-byte chunk) j of three interleaved channels comes from element j / 3 of channel j % 3.
+template <size_t kElements, typename Index, size_t kUnit>
+struct Interleave3Indices {
+  alignas(64) Index index[3][kElements * kUnit];
+  uint64_t third[3];  // lanes that take channel 2
+
+  constexpr Interleave3Indices() : index{}, third{} {
+    for (size_t out = 0; out < 3; ++out) {
+      for (size_t i = 0; i < kElements * kUnit; ++i) {
+        const size_t j = out * kElements + i / kUnit;
+        const size_t from = (j / 3) * kUnit + i % kUnit;
+        index[out][i] = static_cast<Index>(j % 3 == 1 ? kElements * kUnit + from : from);
+        if (j % 3 == 2) third[out] |= uint64_t{1} << i;
+      }
+    }
+  }
+};
+
+#if HWY_TARGET <= HWY_AVX3_DL
+// Bytes B0 G0 R0 B1 ... of one block, as three vectors.
+HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
+  static constexpr Interleave3Indices<64, uint8_t, 1> kIndices;
+  V8* const out[3] = {&v0, &v1, &v2};
+  for (size_t i = 0; i < 3; ++i) {
+    const __m512i index = _mm512_load_si512(kIndices.index[i]);
+    const __m512i bg = _mm512_permutex2var_epi8(b.raw, index, g.raw);
+    *out[i] = V8{_mm512_mask_permutexvar_epi8(bg, kIndices.third[i], index, r.raw)};
+  }
+}
+#else
+// 16 pixels in each 128-bit lane make three 16-byte chunks; chunk i of every lane goes to one vector.
+HWY_INLINE V8 InterleavedChunk(V8 b, V8 g, V8 r, const uint8_t (&from)[3][16]) {
+  const D8 d8;
+  return hn::Or(hn::Or(hn::TableLookupBytesOr0(b, hn::LoadDup128(d8, from[0])),
+                       hn::TableLookupBytesOr0(g, hn::LoadDup128(d8, from[1]))),
+                hn::TableLookupBytesOr0(r, hn::LoadDup128(d8, from[2])));
+}
+
+struct ChunkIndices {
+  alignas(16) uint8_t from[3][3][16];  // [chunk][channel]; 0x80 looks up a zero
+
+  constexpr ChunkIndices() : from{} {
+    for (size_t chunk = 0; chunk < 3; ++chunk)
+      for (size_t channel = 0; channel < 3; ++channel)
+        for (size_t i = 0; i < 16; ++i) {
+          const size_t j = 16 * chunk + i;
+          from[chunk][channel][i] = j % 3 == channel ? static_cast<uint8_t>(j / 3) : 0x80;
+        }
+  }
+};
+
+HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
+  static constexpr ChunkIndices kChunks;
+  const V8 c0 = InterleavedChunk(b, g, r, kChunks.from[0]);
+  const V8 c1 = InterleavedChunk(b, g, r, kChunks.from[1]);
+  const V8 c2 = InterleavedChunk(b, g, r, kChunks.from[2]);
+#if HWY_TARGET <= HWY_AVX3
+  static constexpr Interleave3Indices<4, uint64_t, 2> kIndices;
+  V8* const out[3] = {&v0, &v1, &v2};
+  for (size_t i = 0; i < 3; ++i) {
+    const __m512i index = _mm512_load_si512(kIndices.index[i]);
+    const __m512i c01 = _mm512_permutex2var_epi64(c0.raw, index, c1.raw);
+    *out[i] =
+        V8{_mm512_mask_permutexvar_epi64(c01, static_cast<__mmask8>(kIndices.third[i]), index, c2.raw)};
+  }
+#elif HWY_TARGET == HWY_AVX2
+  const D8 d8;
+  v0 = hn::ConcatLowerLower(d8, c1, c0);
+  v1 = hn::ConcatUpperLower(d8, c0, c2);
+  v2 = hn::ConcatUpperUpper(d8, c2, c1);
+#else
+  v0 = c0;
+  v1 = c1;
+  v2 = c2;
+#endif
+}
+#endif  // HWY_AVX3_DL
+#endif  // PRISMO_OWN_INTERLEAVE
+
+// A packed picture. Store writes one block from pixel x on; streaming stores need it aligned there.
+template <size_t kBytes>
+struct PackedSink {
+  static constexpr size_t kPixelBytes = kBytes;
+  uint8_t* dst;
+
+  template <StoreKind kStores>
+  HWY_INLINE void Store(size_t x, V8 b, V8 g, V8 r) const {
+    StoreTo<kStores>(dst + kBytes * x, b, g, r);
+  }
+
+  // Writes lanes first .. first + count - 1 of a block whose lane 0 is pixel x.
+  HWY_INLINE void StoreSome(size_t x, size_t first, size_t count, V8 b, V8 g, V8 r) const {
+    HWY_ALIGN uint8_t block[kBytes * kLanes];
+    StoreTo<StoreKind::kCached>(block, b, g, r);
+    std::memcpy(dst + kBytes * (x + first), block + kBytes * first, kBytes * count);
+  }
+
+  HWY_INLINE size_t PixelsToAlign() const { return PixelsToAlignment(dst, kBytes); }
+
+ private:
+  template <StoreKind kStores>
+  static HWY_INLINE void StoreTo(uint8_t* to, V8 b, V8 g, V8 r) {
+    const D8 d8;
+#if PRISMO_OWN_INTERLEAVE
+    V8 v0, v1, v2;
+    if constexpr (kBytes == 4) {
+      V8 v3;
+      Interleave4(b, g, r, hn::Set(d8, 255), v0, v1, v2, v3);
+      Put<kStores>(v3, d8, to + 3 * kLanes);
+    } else {
+      Interleave3(b, g, r, v0, v1, v2);
+    }
+    Put<kStores>(v0, d8, to);
+    Put<kStores>(v1, d8, to + kLanes);
+    Put<kStores>(v2, d8, to + 2 * kLanes);
+#else
+    if constexpr (kBytes == 4) {
+      hn::StoreInterleaved4(b, g, r, hn::Set(d8, 255), d8, to);
+    } else {
+      hn::StoreInterleaved3(b, g, r, d8, to);
+    }
+#endif
+  }
+};
+
+using BgraSink = PackedSink<4>;
+using BgrSink = PackedSink<3>;
+
+// Three separate planes.
+struct PlanarSink {
+  static constexpr size_t kPixelBytes = 1;
+  uint8_t* plane[3];  // blue, green, red
+
+  template <StoreKind kStores>
+  HWY_INLINE void Store(size_t x, V8 b, V8 g, V8 r) const {
+    Put<kStores>(b, D8(), plane[0] + x);
+    Put<kStores>(g, D8(), plane[1] + x);
+    Put<kStores>(r, D8(), plane[2] + x);
+  }
+
+  HWY_INLINE void StoreSome(size_t x, size_t first, size_t count, V8 b, V8 g, V8 r) const {
+    HWY_ALIGN uint8_t block[3][kLanes];
+    hn::Store(b, D8(), block[0]);
+    hn::Store(g, D8(), block[1]);
+    hn::Store(r, D8(), block[2]);
+    for (size_t i = 0; i < 3; ++i) std::memcpy(plane[i] + x + first, block[i] + first, count);
+  }
+
+  // Only planes that are equally misaligned can all be aligned.
+  HWY_INLINE size_t PixelsToAlign() const {
+    const size_t pixels = PixelsToAlignment(plane[0], 1);
+    return PixelsToAlignment(plane[1], 1) == pixels && PixelsToAlignment(plane[2], 1) == pixels ? pixels : kLanes;
+  }
+};
+
+}  // namespace prismo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif

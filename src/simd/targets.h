@@ -1,0 +1,45 @@
+// Choice of the instruction set and of the kind of store, once per process.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace prismo::simd {
+
+// From the least to the most capable; kAvx512Vbmi adds byte permutes to kAvx512.
+enum class Target : uint8_t { kPortable, kSse4, kAvx2, kAvx512, kAvx512Vbmi, kNeon };
+inline constexpr size_t kTargetCount = 6;
+
+const char* Name(Target target);
+
+// The targets that are compiled in and that processor and operating system support, worst first.
+std::span<const Target> SupportedTargets();
+
+// The best supported target, or the best one that the environment variable PRISMO_SIMD allows
+// ("portable", "sse4", "avx2", "avx512", "avx512vbmi", "neon").
+Target CurrentTarget();
+
+// For tests and benchmarks.
+void SetTarget(Target target);
+
+// kStreaming bypasses the caches: right for results that the cache could not hold anyway.
+enum class StoreKind : uint8_t { kCached, kStreaming };
+
+// The kind of store for a conversion that reads and writes this many bytes in all.
+StoreKind StoreKindFor(size_t working_set_bytes);
+
+// For tests and benchmarks: forces one kind, or returns to the choice by working set.
+void SetStoreKind(std::optional<StoreKind> kind);
+
+// One table of kernels per target; a null entry is a target that is not compiled in.
+template <class Kernels>
+struct TargetTables {
+  std::array<const Kernels& (*)(), kTargetCount> makers;
+
+  const Kernels& Current() const { return makers[static_cast<size_t>(CurrentTarget())](); }
+};
+
+}  // namespace prismo::simd

@@ -1,0 +1,78 @@
+// Names and small operations that all kernels share. Compiled once per instruction set.
+#if defined(PRISMO_SIMD_VECTORS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PRISMO_SIMD_VECTORS_INL_H_
+#undef PRISMO_SIMD_VECTORS_INL_H_
+#else
+#define PRISMO_SIMD_VECTORS_INL_H_
+#endif
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "hwy/cache_control.h"
+#include "hwy/highway.h"
+#include "simd/targets.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace prismo::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using simd::StoreKind;
+
+// One vector of bytes is one block of pixels; 16-bit samples come as two vectors of words.
+using D8 = hn::ScalableTag<uint8_t>;
+using D16 = hn::ScalableTag<uint16_t>;
+using D32 = hn::ScalableTag<uint32_t>;
+using V8 = hn::Vec<D8>;
+using V16 = hn::Vec<D16>;
+using V32 = hn::Vec<D32>;
+inline constexpr size_t kLanes = HWY_MAX_BYTES == 1 ? 1 : hn::MaxLanes(D8());
+
+// The low bytes of 16-bit lanes, in order. The high bytes are dropped.
+#if HWY_TARGET == HWY_SCALAR
+inline constexpr size_t kWordVectors = 1;  // vectors of words for one vector of bytes
+#else
+inline constexpr size_t kWordVectors = 2;
+HWY_INLINE V8 LowBytes(V16 low, V16 high) {
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+  alignas(64) static constexpr uint8_t kEvenBytes[64] = {
+      0,  2,  4,  6,  8,  10, 12, 14, 16, 18,  20,  22,  24,  26,  28,  30,  32,  34,  36,  38,  40,  42,
+      44, 46, 48, 50, 52, 54, 56, 58, 60, 62,  64,  66,  68,  70,  72,  74,  76,  78,  80,  82,  84,  86,
+      88, 90, 92, 94, 96, 98, 100, 102, 104, 106, 108, 110, 112, 114, 116, 118, 120, 122, 124, 126};
+  return V8{_mm512_permutex2var_epi8(low.raw, _mm512_load_si512(kEvenBytes), high.raw)};
+#else
+  return hn::ConcatEven(D8(), hn::BitCast(D8(), high), hn::BitCast(D8(), low));
+#endif
+}
+#endif
+
+template <StoreKind kStores, class D, class V, typename T>
+HWY_INLINE void Put(V v, D d, T* to) {
+  if constexpr (kStores == StoreKind::kStreaming) {
+    hn::Stream(v, d, to);
+  } else {
+    hn::StoreU(v, d, to);
+  }
+}
+
+// Streaming stores are weakly ordered: a row job ends with this before anybody reads its rows.
+template <StoreKind kStores>
+HWY_INLINE void FinishStores() {
+  if constexpr (kStores == StoreKind::kStreaming) hwy::FlushStream();
+}
+
+// Pixels of `pixel_bytes` to go until `to` is aligned for streaming stores; kLanes or more when that takes too
+// many or never happens.
+HWY_INLINE size_t PixelsToAlignment(const uint8_t* to, size_t pixel_bytes) {
+  for (size_t pixels = 0; pixels < kLanes; ++pixels) {
+    if ((reinterpret_cast<uintptr_t>(to) + pixels * pixel_bytes) % kLanes == 0) return pixels;
+  }
+  return kLanes;
+}
+
+}  // namespace prismo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif
