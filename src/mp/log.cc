@@ -1,9 +1,21 @@
 #include "mp/log.h"
 
+#include <utility>
+#include <vector>
+
+#include "mp/config_file.h"
+#include "mp/log_file.h"
+
 namespace prismo::mp {
 
 Log::Log() noexcept {
-  ring_.Allocate(1024);
+  LogConfiguration configuration = LoadConfiguration();
+  SetLevel(configuration.level);
+  SetSaveOnError(configuration.save_on_error);
+  SetTerminationLog(configuration.termination_log);
+  folder_ = std::move(configuration.folder);
+  ring_.Allocate(configuration.records);
+  // Whatever the level: a saved log begins with the moment that its stamps count from.
   start_stamp_ = ring_.Append({.function = static_cast<uint32_t>(LogFunction::kMPManager),
                                .level = static_cast<uint32_t>(LogLevel::kInfo)});
 }
@@ -27,8 +39,13 @@ void Log::SaveAtTermination() noexcept {
   if (TerminationLog()) Save();
 }
 
-void Log::Save() const noexcept {}
-
-Status ConvertLog(const char*, const char*, uint32_t) { return Status::kFileOpenError; }
+void Log::Save() const noexcept {
+  try {
+    const std::vector<LogRecord> records = ring_.Snapshot();
+    if (!folder_.empty() && !records.empty()) SaveLog(folder_, start_stamp_, records);
+  } catch (...) {
+    // Without memory the log is lost, nothing else.
+  }
+}
 
 }  // namespace prismo::mp
