@@ -79,8 +79,6 @@ Status LoadRawFrame(const char* path, uint8_t** buffer, const RawFrameHeaderOut&
   });
 }
 
-void FreeRawFrame(void* buffer) noexcept {
-  if (buffer != nullptr) platform::FreePages(buffer);
-}
+void FreeRawFrame(void* buffer) noexcept { platform::FreePages(buffer); }
 
 }  // namespace prismo
