@@ -1,0 +1,45 @@
+// Runs a check on every instruction set and with both kinds of store. For programs that link the library's
+// objects.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "simd/targets.h"
+
+namespace prismo::test {
+
+// Returns to the target and the choice of stores that were in force.
+class ScopedTarget {
+ public:
+  ScopedTarget() : target_(simd::CurrentTarget()) {}
+  ~ScopedTarget() {
+    simd::SetTarget(target_);
+    simd::SetStoreKind(std::nullopt);
+  }
+  ScopedTarget(const ScopedTarget&) = delete;
+  ScopedTarget& operator=(const ScopedTarget&) = delete;
+
+ private:
+  simd::Target target_;
+};
+
+// Stops at the first target that fails.
+template <class Check>
+void ForEachTarget(Check&& check) {
+  const ScopedTarget restore;
+  for (const simd::Target target : simd::SupportedTargets()) {
+    simd::SetTarget(target);
+    ASSERT_EQ(simd::CurrentTarget(), target);
+    for (const simd::StoreKind stores : {simd::StoreKind::kCached, simd::StoreKind::kStreaming}) {
+      simd::SetStoreKind(stores);
+      ASSERT_EQ(simd::StoreKindFor(0), stores);
+      SCOPED_TRACE(testing::Message()
+                   << simd::Name(target) << (stores == simd::StoreKind::kCached ? ", plain" : ", streaming")
+                   << " stores");
+      check();
+      if (testing::Test::HasFailure()) return;
+    }
+  }
+}
+
+}  // namespace prismo::test
