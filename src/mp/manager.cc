@@ -1,0 +1,388 @@
+#include "mp/manager.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace prismo::mp {
+namespace {
+
+constexpr uint32_t kWakeBoundMs = 10'000;
+
+uint32_t Bits(int32_t value) { return static_cast<uint32_t>(value); }
+
+uint32_t Tag(const void* pointer) { return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer)); }
+
+// What messages about calls say of a work, and the status with which it ended.
+LogArguments TypeAndRows(const Work& work, Status status = Status::kSuccess) {
+  return {Bits(work.Type), work.CallbackTag(), Bits(work.FirstY), Bits(work.LastY), Code(status)};
+}
+
+LogArguments Rows(Work& work) {
+  return {work.CallbackTag(), Bits(work.FirstY), Bits(work.LastY), Bits(work.BlocksToDo())};
+}
+
+LogLevel LevelOf(Status status) { return status == Status::kSuccess ? LogLevel::kInfo : LogLevel::kError; }
+
+}  // namespace
+
+MPManager::MPManager(int32_t processors) : processors_(processors), thread_count_(Default()) {}
+
+MPManager::MPManager(int32_t processors, int32_t count)
+    : processors_(processors), thread_count_(std::min(processors, count)) {}
+
+MPManager::~MPManager() = default;
+
+// Threads ---------------------------------------------------------------------------------------------------
+
+int32_t MPManager::Default() const { return std::clamp(processors_ - 1, 1, kMaxThreads); }
+
+Status MPManager::SetThreadCount(int32_t count) {
+  const auto record = [&](LogKind kind) {
+    Record(LogFunction::kManagerSetThreadCount, kind, LogLevel::kInfo,
+           {Bits(count), Bits(thread_count_), Bits(CurrentThreads())});
+  };
+  std::lock_guard guard(threads_lock_);
+  record(LogKind::kStarted);
+  if (!terminated_) thread_count_ = count < 1 ? Default() : std::min(processors_, count);
+  const Status status = UpdateThreads();
+  record(LogKind::kFinished);
+  return status;
+}
+
+int32_t MPManager::GetThreadCount() {
+  const int32_t count = thread_count_;
+  Record(LogFunction::kManagerGetThreadCount, LogKind::kCalled, LogLevel::kInfo,
+         {Bits(count), Bits(CurrentThreads())});
+  return count;
+}
+
+// Under threads_lock_.
+Status MPManager::UpdateThreads() {
+  const int32_t wanted = std::clamp(thread_count_.load(), 0, kMaxThreads);
+  while (current_threads_ < wanted) {
+    const int32_t index = current_threads_;
+    ThreadSlot& slot = slots_[static_cast<size_t>(index)];
+    slot.owner = this;
+    slot.index = index;
+    slot.terminate = false;
+    current_threads_ = index + 1;
+    const auto procedure = [](void* argument) {
+      auto* own = static_cast<ThreadSlot*>(argument);
+      own->owner->ThreadExec(*own);
+    };
+    if (!slot.thread.Start(procedure, &slot)) {
+      current_threads_ = index;
+      return Status::kFailure;
+    }
+  }
+  // All are told before the first is waited for.
+  for (int32_t index = current_threads_ - 1; index >= wanted; --index) {
+    slots_[static_cast<size_t>(index)].terminate = true;
+    slots_[static_cast<size_t>(index)].wake.Set();
+  }
+  for (int32_t index = current_threads_ - 1; index >= wanted; --index) {
+    slots_[static_cast<size_t>(index)].thread.Join();
+  }
+  current_threads_ = std::min<int32_t>(current_threads_, wanted);
+  return Status::kSuccess;
+}
+
+void MPManager::CloseAllThreads() {
+  const auto record = [&](LogKind kind) {
+    Record(LogFunction::kManagerCloseAllThreads, kind, LogLevel::kInfo,
+           {Bits(thread_count_), Bits(CurrentThreads())});
+  };
+  std::lock_guard guard(threads_lock_);
+  record(LogKind::kStarted);
+  thread_count_ = 0;
+  UpdateThreads();
+  record(LogKind::kFinished);
+}
+
+void MPManager::SetThreadPriority(int32_t priority) {
+  Record(LogFunction::kManagerSetThreadPriority, LogKind::kStarted, LogLevel::kInfo,
+         {Bits(thread_priority_), Bits(priority)});
+  thread_priority_ = priority;
+  WakeThreads();
+  Record(LogFunction::kManagerSetThreadPriority, LogKind::kFinished, LogLevel::kInfo, {Bits(priority)});
+}
+
+int32_t MPManager::GetThreadPriority() {
+  const int32_t priority = thread_priority_;
+  Record(LogFunction::kManagerGetThreadPriority, LogKind::kCalled, LogLevel::kInfo, {Bits(priority)});
+  return priority;
+}
+
+// A thread that is just being made needs no waking: it looks at the queue before it first sleeps.
+void MPManager::WakeThreads() {
+  const int32_t threads = CurrentThreads();
+  for (int32_t index = 0; index < threads; ++index) slots_[static_cast<size_t>(index)].wake.Set();
+}
+
+// Submitting ------------------------------------------------------------------------------------------------
+
+Status MPManager::ExecWork(const WorkRequest& request) {
+  const WorkRef work = CreateWork(request);
+  if (!work) return Status::kFailure;
+  work->Record(LogFunction::kManagerExecWork, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
+  if (!AppendWork(work)) return Status::kFailure;
+  work->Record(LogFunction::kManagerExecWork, LogKind::kStep1, LogLevel::kInfo, TypeAndRows(*work));
+  const Status status = Await(work, LogFunction::kManagerExecWork);
+  work->Record(LogFunction::kManagerExecWork, LogKind::kFinished, LevelOf(status),
+               TypeAndRows(*work, status));
+  log_.SaveIfErrorPending();
+  return status;
+}
+
+Status MPManager::StartWork(const WorkRequest& request, MPWork*& handle) {
+  const WorkRef work = CreateWork(request);
+  if (!work) return Status::kFailure;
+  work->Record(LogFunction::kManagerStartWork, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
+  // Stored before a worker can see the work: its callback may look at the caller's handle.
+  handle = work.Get();
+  if (!AppendWork(work)) {
+    handle = nullptr;
+    return Status::kFailure;
+  }
+  work->Record(LogFunction::kManagerStartWork, LogKind::kFinished, LogLevel::kInfo, TypeAndRows(*work));
+  return Status::kSuccess;
+}
+
+Status MPManager::WaitWorkDone(const MPWork* handle) {
+  WorkRef work;
+  {
+    std::lock_guard guard(work_lock_);
+    const auto place = Find(handle);
+    if (place != m_aoWork.end()) work = *place;
+  }
+  if (!work) return Status::kInvalidParameter;
+  work->Record(LogFunction::kManagerWaitWorkDone, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
+  const Status status = Await(work, LogFunction::kManagerWaitWorkDone);
+  work->Record(LogFunction::kManagerWaitWorkDone, LogKind::kFinished, LevelOf(status),
+               {Bits(work->Type), Code(status)});
+  log_.SaveIfErrorPending();
+  return status;
+}
+
+// Null when there is no thread that could come to the work.
+WorkRef MPManager::CreateWork(const WorkRequest& request) {
+  if (CurrentThreads() == 0) SetThreadCount(0);
+  const int32_t threads = CurrentThreads();
+  if (threads == 0) return {};
+  return WorkRef(new Work(request, threads, log_));
+}
+
+// False when the pool is being terminated.
+bool MPManager::AppendWork(const WorkRef& work) {
+  work->Record(LogFunction::kManagerAppendWork, LogKind::kStarted, LogLevel::kInfo, Rows(*work));
+  if (CurrentThreads() == 0) SetThreadCount(thread_count_);
+  {
+    std::lock_guard guard(work_lock_);
+    if (terminated_) return false;
+    m_aoWork.push_back(work);
+    work->WorkID = ++last_work_id_;
+    if (!m_PCurrentWork) m_PCurrentWork = work.Get();
+  }
+  WakeThreads();
+  work->Record(LogFunction::kManagerAppendWork, LogKind::kStep1, LogLevel::kInfo, Rows(*work));
+  work->Record(LogFunction::kManagerAppendWork, LogKind::kFinished, LogLevel::kInfo, Rows(*work));
+  return true;
+}
+
+// The submitter's second half: waits, releases the work and says how it ended.
+Status MPManager::Await(const WorkRef& work, LogFunction function) {
+  if (!work->WaitDone(Timeout())) {
+    work->TimeOut();
+    work->Record(function, LogKind::kError, LogLevel::kError, TypeAndRows(*work));
+  }
+  const Status status = work->CurrentStatus();
+  ReleaseWork(work);
+  return status;
+}
+
+// False when the work was not in the queue.
+bool MPManager::RemoveWork(Work& work) {
+  work.Record(LogFunction::kManagerRemoveWork, LogKind::kStarted, LogLevel::kInfo, Rows(work));
+  bool found = false;
+  {
+    std::lock_guard guard(work_lock_);
+    const auto place = Find(&work);
+    found = place != m_aoWork.end();
+    if (found) {
+      if (m_PCurrentWork == &work) m_PCurrentWork = After(work);
+      m_aoWork.erase(place);
+    }
+  }
+  work.Record(LogFunction::kManagerRemoveWork, LogKind::kFinished, LogLevel::kInfo, Rows(work));
+  return found;
+}
+
+// The caller's WorkRef is what keeps the record from here on, unless it goes on the list.
+void MPManager::ReleaseWork(const WorkRef& work) {
+  work->Record(LogFunction::kManagerReleaseWork, LogKind::kStarted, LogLevel::kInfo, Rows(*work));
+  if (!RemoveWork(*work)) return;
+  const int32_t accesses = work->Accesses();
+  if (accesses < 1) {
+    work->Record(LogFunction::kManagerReleaseWork, LogKind::kStep1, LogLevel::kInfo, {work->CallbackTag()});
+    return;
+  }
+  work->Record(LogFunction::kManagerReleaseWork, LogKind::kStep2, LogLevel::kInfo,
+               {Bits(accesses), work->CallbackTag()});
+  std::lock_guard guard(timeout_lock_);
+  // Without memory for the list the workers inside still keep the record as long as they need it.
+  NoThrow(Status::kFailure, [&] {
+    timeout_list_.push_back(work);
+    return Status::kSuccess;
+  });
+  has_timed_out_.store(!timeout_list_.empty(), std::memory_order_release);
+}
+
+std::vector<WorkRef>::const_iterator MPManager::Find(const MPWork* work) const {
+  return std::find_if(m_aoWork.begin(), m_aoWork.end(),
+                      [&](const WorkRef& entry) { return entry.Get() == work; });
+}
+
+// The work that follows in the queue, or null.
+Work* MPManager::After(const Work& work) const {
+  const auto place = Find(&work);
+  if (place == m_aoWork.end() || place + 1 == m_aoWork.end()) return nullptr;
+  return (place + 1)->Get();
+}
+
+// Working ---------------------------------------------------------------------------------------------------
+
+void MPManager::ThreadExec(ThreadSlot& slot) {
+  Record(LogFunction::kManagerThreadExec, LogKind::kStarted, LogLevel::kInfo);
+  platform::ThreadPriority own;
+  int32_t applied = 0;
+  ApplyPriority(own, applied);
+  slot.wake.Set();  // works may have been waiting before this thread was there
+  while (!slot.terminate) {
+    slot.wake.Wait(kWakeBoundMs);
+    // A Set after this Reset leads to another round, so nothing is missed by looking only now.
+    slot.wake.Reset();
+    ExecFunc(slot);
+    ApplyPriority(own, applied);
+  }
+  Record(LogFunction::kManagerThreadExec, LogKind::kFinished, LogLevel::kInfo);
+}
+
+void MPManager::ApplyPriority(platform::ThreadPriority& own, int32_t& applied) {
+  const int32_t priority = thread_priority_;
+  if (priority == applied) return;
+  own.Apply(priority);
+  Record(LogFunction::kManagerThreadExec, LogKind::kStep2, LogLevel::kInfo, {Bits(applied), Bits(priority)});
+  applied = priority;
+}
+
+void MPManager::ExecFunc(ThreadSlot& slot) {
+  bool started = false;
+  for (;;) {
+    WorkRef work;
+    uint32_t id = 0;
+    bool joined = false;
+    size_t queued = 0;
+    {
+      std::lock_guard guard(work_lock_);
+      if (!m_PCurrentWork) break;
+      queued = m_aoWork.size();
+      work = WorkRef(m_PCurrentWork);
+      id = work->WorkID;
+      joined = work->TryAccess(slot.index);
+    }
+    if (!started) {
+      Record(LogFunction::kManagerExecFunc, LogKind::kStarted, LogLevel::kDebug,
+             {Tag(work.Get()), static_cast<uint32_t>(queued)});
+      started = true;
+    }
+    if (joined) {
+      work->Record(LogFunction::kManagerExecFunc, LogKind::kStep1, LogLevel::kDebug);
+      RunCallback(*work, slot);
+    }
+    work = {};
+    UpdateCurrentWork(id);
+    if (slot.terminate) break;
+    ReclaimTimedOut();
+  }
+  if (started) Record(LogFunction::kManagerExecFunc, LogKind::kStep2, LogLevel::kDebug);
+}
+
+// Exceptions of callbacks end here, those of applications too.
+void MPManager::RunCallback(Work& work, ThreadSlot& slot) {
+  try {
+    work.Callback(&work);
+  } catch (...) {
+    work.Fail(slot.index);
+  }
+  const Status status = work.CurrentStatus();
+  if (status == Status::kTimeout) {
+    work.Record(LogFunction::kManagerExecFunc, LogKind::kError, LogLevel::kError, {Code(status)});
+  }
+}
+
+void MPManager::UpdateCurrentWork(uint32_t finished_id) {
+  int32_t current_id = -1;
+  {
+    std::lock_guard guard(work_lock_);
+    if (m_PCurrentWork) {
+      current_id = static_cast<int32_t>(m_PCurrentWork->WorkID);
+      if (m_PCurrentWork->WorkID == finished_id) m_PCurrentWork = After(*m_PCurrentWork);
+    }
+  }
+  Record(LogFunction::kManagerUpdateCurrentWork, LogKind::kStarted, LogLevel::kDebug,
+         {finished_id, Bits(current_id)});
+}
+
+void MPManager::ReclaimTimedOut() {
+  if (!has_timed_out_.load(std::memory_order_acquire)) return;
+  std::unique_lock guard(timeout_lock_, std::try_to_lock);
+  if (!guard) return;
+  for (size_t index = timeout_list_.size(); index-- > 0;) {
+    WorkRef& work = timeout_list_[index];
+    // A thread that drew a block without rows left the callback, but is counted as inside for ever.
+    if (work->Accesses() >= 1 && !work->HasOneOwner()) continue;
+    work->Record(LogFunction::kManagerExecFunc, LogKind::kStep3, LogLevel::kInfo);
+    timeout_list_.erase(timeout_list_.begin() + static_cast<ptrdiff_t>(index));
+  }
+  has_timed_out_.store(!timeout_list_.empty(), std::memory_order_release);
+}
+
+// The end ---------------------------------------------------------------------------------------------------
+
+void MPManager::Terminate() {
+  Record(LogFunction::kMPManager, LogKind::kFinished, LogLevel::kInfo);
+  {
+    std::lock_guard guard(work_lock_);
+    terminated_ = true;
+  }
+  CloseAllThreads();
+
+  std::vector<WorkRef> works;
+  {
+    std::lock_guard guard(work_lock_);
+    works.swap(m_aoWork);
+    m_PCurrentWork = nullptr;
+  }
+  for (const WorkRef& work : works) work->Abandon();
+  works.clear();
+  {
+    std::lock_guard guard(timeout_lock_);
+    works.swap(timeout_list_);
+  }
+  works.clear();
+
+  log_.SaveIfErrorPending();
+  log_.SaveAtTermination();
+}
+
+size_t MPManager::QueuedWorks() {
+  std::lock_guard guard(work_lock_);
+  return m_aoWork.size();
+}
+
+size_t MPManager::TimedOutWorks() {
+  std::lock_guard guard(timeout_lock_);
+  return timeout_list_.size();
+}
+
+}  // namespace prismo::mp

@@ -1,0 +1,34 @@
+// An event that stays signalled until it is reset: any number of threads may wait for it.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+namespace prismo::platform {
+
+inline constexpr uint32_t kForever = 0xFFFFFFFF;
+
+class Event {
+ public:
+  Event() = default;
+  Event(const Event&) = delete;
+  Event& operator=(const Event&) = delete;
+
+  void Set() noexcept;
+  void Reset() noexcept;
+
+  bool IsSet() const noexcept { return state_.load(std::memory_order_acquire) == kSignalled; }
+
+  // False when the time has passed. 0 only looks. Looks for some microseconds before it puts the thread to
+  // sleep, because to be woken costs as much as a small frame.
+  bool Wait(uint32_t timeout_ms) noexcept;
+
+ private:
+  static constexpr uint32_t kClear = 0;
+  static constexpr uint32_t kSignalled = 1;
+  static constexpr uint32_t kAwaited = 2;  // clear, and somebody may be asleep
+
+  std::atomic<uint32_t> state_{kClear};
+};
+
+}  // namespace prismo::platform

@@ -1,0 +1,35 @@
+#include "platform/thread.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+namespace prismo::platform {
+
+static_assert(sizeof(pthread_t) == sizeof(uintptr_t));
+
+void* Thread::Enter(void* self) {
+  auto* thread = static_cast<Thread*>(self);
+  thread->procedure_(thread->argument_);
+  return nullptr;
+}
+
+bool Thread::Start(void (*procedure)(void*), void* argument) noexcept {
+  procedure_ = procedure;
+  argument_ = argument;
+  sigset_t all, before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &before);  // a new thread inherits the mask
+  pthread_t handle;
+  started_ = pthread_create(&handle, nullptr, &Thread::Enter, this) == 0;
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  if (started_) handle_ = static_cast<uintptr_t>(handle);
+  return started_;
+}
+
+void Thread::Join() noexcept {
+  if (!started_) return;
+  started_ = false;
+  pthread_join(static_cast<pthread_t>(handle_), nullptr);
+}
+
+}  // namespace prismo::platform
