@@ -50,7 +50,7 @@ void Run(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t shift) {
 
   size_t x = 0;
   if constexpr (kStores == StoreKind::kStreaming) {
-    x = sink.PixelsToAlign();
+    x = sink.PixelsToAlign(0);
     if (x >= std::min(pixels, kLanes)) return Run<Source, Sink, StoreKind::kCached>(dst, src, pixels, shift);
     if (x > 0) some(0, x);
   }
@@ -60,7 +60,7 @@ void Run(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t shift) {
     sink.template Store<kStores>(x, b, g, r);
   }
   if (x < pixels) some(x, pixels - x);
-  FinishStores<kStores>();
+  simd::FinishStores(kStores);
 }
 
 template <class S>

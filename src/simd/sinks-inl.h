@@ -30,7 +30,9 @@ HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& 
   const D32 d32;
   constexpr size_t kQuads = kLanes / 16;
   HWY_ALIGN static constexpr auto kTranspose = [] {
-    struct { uint32_t index[kLanes / 4]; } t{};
+    struct {
+      uint32_t index[kLanes / 4];
+    } t{};
     for (size_t lane = 0; lane < kQuads; ++lane)
       for (size_t j = 0; j < 4; ++j) t.index[4 * lane + j] = static_cast<uint32_t>(kQuads * j + lane);
     return t;
@@ -112,8 +114,7 @@ HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
   for (size_t i = 0; i < 3; ++i) {
     const __m512i index = _mm512_load_si512(kIndices.index[i]);
     const __m512i c01 = _mm512_permutex2var_epi64(c0.raw, index, c1.raw);
-    *out[i] =
-        V8{_mm512_mask_permutexvar_epi64(c01, static_cast<__mmask8>(kIndices.third[i]), index, c2.raw)};
+    *out[i] = V8{_mm512_mask_permutexvar_epi64(c01, static_cast<__mmask8>(kIndices.third[i]), index, c2.raw)};
   }
 #elif HWY_TARGET == HWY_AVX2
   const D8 d8;
@@ -134,22 +135,25 @@ template <size_t kBytes>
 struct PackedSink {
   static constexpr size_t kPixelBytes = kBytes;
   uint8_t* dst;
+  size_t first = 0;  // the pixel at dst
 
   template <StoreKind kStores>
   HWY_INLINE void Store(size_t x, V8 b, V8 g, V8 r) const {
-    StoreTo<kStores>(dst + kBytes * x, b, g, r);
+    StoreTo<kStores>(At(x), b, g, r);
   }
 
-  // Writes lanes first .. first + count - 1 of a block whose lane 0 is pixel x.
-  HWY_INLINE void StoreSome(size_t x, size_t first, size_t count, V8 b, V8 g, V8 r) const {
+  // Writes lanes from .. from + count - 1 of a block whose lane 0 is pixel x.
+  HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8 b, V8 g, V8 r) const {
     HWY_ALIGN uint8_t block[kBytes * kLanes];
     StoreTo<StoreKind::kCached>(block, b, g, r);
-    std::memcpy(dst + kBytes * (x + first), block + kBytes * first, kBytes * count);
+    std::memcpy(At(x + from), block + kBytes * from, kBytes * count);
   }
 
-  HWY_INLINE size_t PixelsToAlign() const { return PixelsToAlignment(dst, kBytes); }
+  HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(At(x), kBytes); }
 
  private:
+  HWY_INLINE uint8_t* At(size_t x) const { return dst + kBytes * (x - first); }
+
   template <StoreKind kStores>
   static HWY_INLINE void StoreTo(uint8_t* to, V8 b, V8 g, V8 r) {
     const D8 d8;
@@ -182,27 +186,51 @@ using BgrSink = PackedSink<3>;
 struct PlanarSink {
   static constexpr size_t kPixelBytes = 1;
   uint8_t* plane[3];  // blue, green, red
+  size_t first = 0;   // the pixel at the planes' first bytes
 
   template <StoreKind kStores>
   HWY_INLINE void Store(size_t x, V8 b, V8 g, V8 r) const {
-    Put<kStores>(b, D8(), plane[0] + x);
-    Put<kStores>(g, D8(), plane[1] + x);
-    Put<kStores>(r, D8(), plane[2] + x);
+    Put<kStores>(b, D8(), plane[0] + x - first);
+    Put<kStores>(g, D8(), plane[1] + x - first);
+    Put<kStores>(r, D8(), plane[2] + x - first);
   }
 
-  HWY_INLINE void StoreSome(size_t x, size_t first, size_t count, V8 b, V8 g, V8 r) const {
+  HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8 b, V8 g, V8 r) const {
     HWY_ALIGN uint8_t block[3][kLanes];
     hn::Store(b, D8(), block[0]);
     hn::Store(g, D8(), block[1]);
     hn::Store(r, D8(), block[2]);
-    for (size_t i = 0; i < 3; ++i) std::memcpy(plane[i] + x + first, block[i] + first, count);
+    for (size_t i = 0; i < 3; ++i) std::memcpy(plane[i] + x + from - first, block[i] + from, count);
   }
 
   // Only planes that are equally misaligned can all be aligned.
-  HWY_INLINE size_t PixelsToAlign() const {
-    const size_t pixels = PixelsToAlignment(plane[0], 1);
-    return PixelsToAlignment(plane[1], 1) == pixels && PixelsToAlignment(plane[2], 1) == pixels ? pixels : kLanes;
+  HWY_INLINE size_t PixelsToAlign(size_t x) const {
+    const size_t pixels = PixelsToAlignment(plane[0] + x - first, 1);
+    for (size_t i = 1; i < 3; ++i) {
+      if (PixelsToAlignment(plane[i] + x - first, 1) != pixels) return kLanes;
+    }
+    return pixels;
   }
+};
+
+// One plane, of the second channel.
+struct GreenSink {
+  static constexpr size_t kPixelBytes = 1;
+  uint8_t* dst;
+  size_t first = 0;
+
+  template <StoreKind kStores>
+  HWY_INLINE void Store(size_t x, V8, V8 g, V8) const {
+    Put<kStores>(g, D8(), dst + x - first);
+  }
+
+  HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8, V8 g, V8) const {
+    HWY_ALIGN uint8_t block[kLanes];
+    hn::Store(g, D8(), block);
+    std::memcpy(dst + x + from - first, block + from, count);
+  }
+
+  HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(dst + x - first, 1); }
 };
 
 }  // namespace prismo::HWY_NAMESPACE

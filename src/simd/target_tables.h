@@ -5,9 +5,12 @@
 #include "simd/targets.h"
 
 #if defined(__aarch64__)
-#define PRISMO_TARGET_TABLES(MAKER) {nullptr, nullptr, nullptr, nullptr, nullptr, &HWY_STATIC_DISPATCH(MAKER)}
+#define PRISMO_TARGET_TABLES(MAKER) \
+  { nullptr, nullptr, nullptr, nullptr, nullptr, &HWY_STATIC_DISPATCH(MAKER) }
 #else
-#define PRISMO_TARGET_TABLES(MAKER)                                                       \
-  {HWY_CHOOSE_FALLBACK(MAKER), HWY_CHOOSE_SSE4(MAKER),    HWY_CHOOSE_AVX2(MAKER),          \
-   HWY_CHOOSE_AVX3(MAKER),     HWY_CHOOSE_AVX3_DL(MAKER), nullptr}
+#define PRISMO_TARGET_TABLES(MAKER)                                                                     \
+  {                                                                                                     \
+    HWY_CHOOSE_FALLBACK(MAKER), HWY_CHOOSE_SSE4(MAKER), HWY_CHOOSE_AVX2(MAKER), HWY_CHOOSE_AVX3(MAKER), \
+        HWY_CHOOSE_AVX3_DL(MAKER), nullptr                                                              \
+  }
 #endif

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "hwy/cache_control.h"
 #include "platform/cpu_caches.h"
 
 namespace prismo::simd {
@@ -57,9 +58,9 @@ struct Supported {
 Target Best() {
   const std::span<const Target> supported = SupportedTargets();
   const char* limit = std::getenv("PRISMO_SIMD");
-  const auto* limited = limit ? std::ranges::find(kNames, std::string_view(limit), [](const char* name) {
-    return std::string_view(name);
-  }) : std::end(kNames);
+  const auto* limited = limit ? std::ranges::find(kNames, std::string_view(limit),
+                                                  [](const char* name) { return std::string_view(name); })
+                              : std::end(kNames);
   if (limited == std::end(kNames)) return supported.back();
   const auto allowed = static_cast<Target>(limited - std::begin(kNames));
   Target best = supported.front();
@@ -73,8 +74,8 @@ constexpr uint8_t kUndecided = 0xFF;
 constinit std::atomic<uint8_t> current_target{kUndecided};
 constinit std::atomic<uint8_t> forced_store_kind{kUndecided};
 
-// Beyond this working set a streaming store beats a plain one, which first reads what it overwrites. A cache of a
-// whole server socket is shared with strangers and its far slices are no faster than memory: an eighth
+// Beyond this working set a streaming store beats a plain one, which first reads what it overwrites. A cache
+// of a whole server socket is shared with strangers and its far slices are no faster than memory: an eighth
 // of it is all that one conversion can count on (measured on a 105 MB cache, where streaming stores win from
 // about 12 MB on; caches of up to 48 MB keep their whole size).
 size_t CacheForConversions() {
@@ -109,6 +110,10 @@ StoreKind StoreKindFor(size_t working_set_bytes) {
   if (forced != kUndecided) return static_cast<StoreKind>(forced);
   static const size_t cache = CacheForConversions();
   return working_set_bytes > cache ? StoreKind::kStreaming : StoreKind::kCached;
+}
+
+void FinishStores(StoreKind kind) {
+  if (kind == StoreKind::kStreaming) hwy::FlushStream();
 }
 
 void SetStoreKind(std::optional<StoreKind> kind) {

@@ -31,6 +31,9 @@ enum class StoreKind : uint8_t { kCached, kStreaming };
 // The kind of store for a conversion that reads and writes this many bytes in all.
 StoreKind StoreKindFor(size_t working_set_bytes);
 
+// Streaming stores are weakly ordered: a row job ends with this before anybody else reads its rows.
+void FinishStores(StoreKind kind);
+
 // For tests and benchmarks: forces one kind, or returns to the choice by working set.
 void SetStoreKind(std::optional<StoreKind> kind);
 

@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <cstring>
 
-#include "hwy/cache_control.h"
 #include "hwy/highway.h"
 #include "simd/targets.h"
 
@@ -38,8 +37,8 @@ inline constexpr size_t kWordVectors = 2;
 HWY_INLINE V8 LowBytes(V16 low, V16 high) {
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
   alignas(64) static constexpr uint8_t kEvenBytes[64] = {
-      0,  2,  4,  6,  8,  10, 12, 14, 16, 18,  20,  22,  24,  26,  28,  30,  32,  34,  36,  38,  40,  42,
-      44, 46, 48, 50, 52, 54, 56, 58, 60, 62,  64,  66,  68,  70,  72,  74,  76,  78,  80,  82,  84,  86,
+      0,  2,  4,  6,  8,  10, 12,  14,  16,  18,  20,  22,  24,  26,  28,  30,  32,  34,  36,  38, 40, 42,
+      44, 46, 48, 50, 52, 54, 56,  58,  60,  62,  64,  66,  68,  70,  72,  74,  76,  78,  80,  82, 84, 86,
       88, 90, 92, 94, 96, 98, 100, 102, 104, 106, 108, 110, 112, 114, 116, 118, 120, 122, 124, 126};
   return V8{_mm512_permutex2var_epi8(low.raw, _mm512_load_si512(kEvenBytes), high.raw)};
 #else
@@ -57,14 +56,8 @@ HWY_INLINE void Put(V v, D d, T* to) {
   }
 }
 
-// Streaming stores are weakly ordered: a row job ends with this before anybody reads its rows.
-template <StoreKind kStores>
-HWY_INLINE void FinishStores() {
-  if constexpr (kStores == StoreKind::kStreaming) hwy::FlushStream();
-}
-
-// Pixels of `pixel_bytes` to go until `to` is aligned for streaming stores; kLanes or more when that takes too
-// many or never happens.
+// Pixels of `pixel_bytes` to go until `to` is aligned for streaming stores; kLanes or more when that takes
+// too many or never happens.
 HWY_INLINE size_t PixelsToAlignment(const uint8_t* to, size_t pixel_bytes) {
   for (size_t pixels = 0; pixels < kLanes; ++pixels) {
     if ((reinterpret_cast<uintptr_t>(to) + pixels * pixel_bytes) % kLanes == 0) return pixels;

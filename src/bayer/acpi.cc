@@ -1,0 +1,158 @@
+#include "bayer/acpi.h"
+
+#include <algorithm>
+
+#include "bayer/acpi_job.h"
+
+namespace prismo {
+namespace {
+
+using mp::LogFunction;
+
+// Rows and columns of the frame on each side that are bilinear.
+constexpr uint32_t kBorder = 2;
+
+BilinearForm BilinearFormOf(const AcpiForm& form) { return {form.phase, BayerDepth::k8, form.layout}; }
+
+AcpiJob MakeJob(const AcpiForm& form, void* dst, const void* src, FrameSize size) {
+  const size_t dst_pitch = RowBytes(form.layout, size.width);
+  return {.images = {.src = static_cast<const uint8_t*>(src),
+                     .frame = size,
+                     .phase = form.phase,
+                     .dst = static_cast<uint8_t*>(dst),
+                     .dst_pitch = dst_pitch,
+                     .first_column = 0,
+                     .first_row = 0,
+                     .layout = form.layout},
+          .region = {.columns = {0, size.width},
+                     .adaptive_columns = {kBorder, size.width - kBorder},
+                     .adaptive_first_row = kBorder,
+                     .adaptive_last_row = size.height - kBorder - 1},
+          .pad_bytes = static_cast<uint32_t>(dst_pitch - PixelBytes(form.layout) * size.width),
+          .stores = simd::StoreKindFor((size.width + dst_pitch) * size.height)};
+}
+
+// The two outermost rows on each side.
+void ConvertBorderRows(const BilinearJob& job) {
+  const auto height = static_cast<int32_t>(job.size.height);
+  const int32_t top = std::min<int32_t>(kBorder, height);
+  const int32_t bottom = std::min<int32_t>(kBorder, height - top);
+  job.Rows({0, top});
+  job.Rows({height - bottom, bottom});
+}
+
+// Greens of the middle rows, and their two outermost columns on each side completely, with the rows' pad
+// bytes.
+struct GreenWork {
+  GreenJob greens;
+  simd::StoreKind stores;
+  BilinearRow convert;
+  uint32_t pad_bytes;
+
+  void Rows(RowRange range) const {
+    const AcpiImages& images = greens.images;
+    const uint32_t width = images.frame.width;
+    BilinearJob border{.src = images.src,
+                       .src_pitch = width,
+                       .plane = {images.dst, nullptr, nullptr},
+                       .planes = 1,
+                       .pad_bytes = 0,
+                       .dst_pitch = images.dst_pitch,
+                       .size = images.frame,
+                       .columns = {0, kBorder},
+                       .phase = images.phase,
+                       .stores = stores,
+                       .shift = 0,
+                       .convert = convert};
+    border.Rows(range);
+    border.columns = {width - kBorder, width};
+    border.pad_bytes = pad_bytes;
+    border.Rows(range);
+    greens.Rows(range);
+  }
+};
+
+LogFunction EntryName(const AcpiForm& form) {
+  const LogFunction first =
+      form.layout == Layout::kBgra ? LogFunction::kByrGR8ToBGRA_MP_ACPI : LogFunction::kByrGR8ToBGR_MP_ACPI;
+  return static_cast<LogFunction>(static_cast<uint32_t>(first) + static_cast<uint32_t>(form.phase));
+}
+
+LogFunction GreenWorkerName(const AcpiForm& form) {
+  if (form.layout == Layout::kBgra) {
+    return IsBGFamily(form.phase) ? LogFunction::kBGGR8ToBGRA_ACPI_G_WK : LogFunction::kGBRG8ToBGRA_ACPI_G_WK;
+  }
+  return IsBGFamily(form.phase) ? LogFunction::kBGGR8ToBGR_ACPI_G_WK : LogFunction::kGBRG8ToBGR_ACPI_G_WK;
+}
+
+LogFunction ColourWorkerName(const AcpiForm& form) {
+  if (form.layout == Layout::kBgra) {
+    return IsBGFamily(form.phase) ? LogFunction::kBGGR8ToBGRA_ACPI_BR_WK
+                                  : LogFunction::kGBRG8ToBGRA_ACPI_BR_WK;
+  }
+  return IsBGFamily(form.phase) ? LogFunction::kBGGR8ToBGR_ACPI_BR_WK : LogFunction::kGBRG8ToBGR_ACPI_BR_WK;
+}
+
+}  // namespace
+
+Status AcpiOnCaller(const AcpiForm& form, void* dst, const void* src, FrameSize size) {
+  if (!dst || !src) return Status::kInvalidParameter;
+  if (size.Empty()) return Status::kSuccess;
+  if (!size.Even()) return Status::kInvalidParameter;
+  ConvertBorderRows(MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0));
+  if (size.height > 2 * kBorder) {
+    MakeJob(form, dst, src, size).Rows({kBorder, static_cast<int32_t>(size.height - 2 * kBorder)});
+  }
+  return Status::kSuccess;
+}
+
+Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize size) {
+  if (!dst || !src) return Status::kInvalidParameter;
+  if (size.Empty()) {
+    mp::LogConversion(EntryName(form), mp::LogKind::kWarning, mp::LogLevel::kWarn, size.width, size.height);
+    return Status::kSuccess;
+  }
+  if (!size.Even()) return Status::kInvalidParameter;
+  const auto [width, height] = size;
+  mp::LogConversion(EntryName(form), mp::LogKind::kStarted, mp::LogLevel::kInfo);
+  const BilinearJob border = MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0);
+  ConvertBorderRows(border);
+  mp::LogConversion(EntryName(form), mp::LogKind{1}, mp::LogLevel::kInfo);
+
+  AcpiJob job = MakeJob(form, dst, src, size);
+  const GreenWork green{.greens = {job.images, {kBorder, width - std::min(width, kBorder)}},
+                        .stores = border.stores,
+                        .convert = border.convert,
+                        .pad_bytes = border.pad_bytes};
+  mp::WorkGeometry geometry{.first_x = 0,
+                            .last_x = width - 1,
+                            .first_y = kBorder,
+                            .last_y = height - kBorder - 1,
+                            .dst_x = 0,
+                            .dst_y = kBorder,
+                            .src = src,
+                            .src_width = width,
+                            .src_height = height,
+                            .src_bytes_per_pixel = RowPairsSwapped(form.phase),
+                            .src_stride = width,
+                            .dst = dst,
+                            .dst_width = width,
+                            .dst_height = height,
+                            .dst_bytes_per_pixel = static_cast<uint32_t>(PixelBytes(form.layout)),
+                            .dst_stride = static_cast<uint32_t>(job.images.dst_pitch),
+                            .param = 0,
+                            .block_rows = 0,
+                            .type = 2};
+  const Status green_status = mp::RunOnPool(geometry, green, GreenWorkerName(form));
+  if (green_status != Status::kSuccess) return green_status;
+  mp::LogConversion(EntryName(form), mp::LogKind{2}, mp::LogLevel::kInfo);
+
+  geometry.first_x = kBorder;
+  geometry.last_x = width - kBorder - 1;
+  geometry.dst_x = kBorder;
+  job.region.columns = green.greens.columns;
+  job.pad_bytes = 0;
+  return mp::RunOnPool(geometry, job, ColourWorkerName(form));
+}
+
+}  // namespace prismo

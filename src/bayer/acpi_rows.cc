@@ -1,0 +1,205 @@
+#include "bayer/acpi_rows.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "bayer/acpi_rows.cc"
+#include "hwy/foreach_target.h"
+
+// After foreach_target.h.
+#include "bayer/row_cover-inl.h"
+#include "hwy/highway.h"
+#include "simd/target_tables.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace prismo::HWY_NAMESPACE {
+namespace {
+
+// Green and other sites alternate, so one vector of 16-bit lanes holds all sites of one kind of a block:
+// those in the even bytes from `from` on. With one lane there is nothing to tell apart: each block is one
+// site.
+using DSite = hn::RebindToSigned<D16>;
+using VSite = hn::Vec<DSite>;
+
+#if HWY_TARGET == HWY_SCALAR
+HWY_INLINE size_t FirstSite(bool) { return 0; }
+HWY_INLINE VSite Sites(const uint8_t* from) {
+  return hn::BitCast(DSite(), hn::PromoteTo(D16(), hn::LoadU(D8(), from)));
+}
+HWY_INLINE V8 SiteBytes(VSite v, size_t) { return hn::TruncateTo(D8(), hn::BitCast(D16(), v)); }
+#else
+HWY_INLINE size_t FirstSite(bool odd) { return odd ? 1 : 0; }
+HWY_INLINE VSite Sites(const uint8_t* from) {
+  return hn::And(hn::BitCast(DSite(), hn::LoadU(D8(), from)), hn::Set(DSite(), 0xFF));
+}
+// Values of 0 to 255 as the even or the odd bytes of a block, zeros between them.
+HWY_INLINE V8 SiteBytes(VSite v, size_t first) {
+  return hn::BitCast(D8(), hn::ShiftLeftSame(v, static_cast<int>(8 * first)));
+}
+#endif
+
+HWY_INLINE VSite ClampToByte(VSite v) {
+  return hn::Min(hn::Max(v, hn::Zero(DSite())), hn::Set(DSite(), 255));
+}
+
+// 2 a - b - c
+HWY_INLINE VSite Laplacian(VSite a, VSite b, VSite c) { return hn::Sub(hn::Sub(hn::Add(a, a), b), c); }
+
+// Interpolates along the direction (a1, a2) or (b1, b2) that has the smaller gradient, with the direction's
+// Laplacian as a correction; the mean of both estimates on a tie. All intermediate values fit 16 bits.
+HWY_INLINE VSite Adaptive(VSite a1, VSite a2, VSite a_laplacian, VSite b1, VSite b2, VSite b_laplacian) {
+  const VSite a_gradient = hn::Add(hn::Abs(hn::Sub(a1, a2)), hn::Abs(a_laplacian));
+  const VSite b_gradient = hn::Add(hn::Abs(hn::Sub(b1, b2)), hn::Abs(b_laplacian));
+  const VSite a_sum = hn::Add(a1, a2);
+  const VSite b_sum = hn::Add(b1, b2);
+  const VSite a = hn::Add(hn::Add(a_sum, a_sum), a_laplacian);
+  const VSite b = hn::Add(hn::Add(b_sum, b_sum), b_laplacian);
+  // Twice the better one, or the sum of both.
+  const VSite twice = hn::Add(hn::IfThenElse(hn::Gt(a_gradient, b_gradient), b, a),
+                              hn::IfThenElse(hn::Gt(b_gradient, a_gradient), a, b));
+  return ClampToByte(hn::ShiftRight<3>(twice));
+}
+
+// The colour of neighbours a and b at a green site, as their mean difference to green.
+HWY_INLINE VSite AtGreen(VSite green, VSite a, VSite b, VSite a_green, VSite b_green) {
+  const VSite sum = hn::Add(hn::Add(a, b), green);
+  return ClampToByte(hn::ShiftRight<2>(hn::Sub(hn::Sub(hn::Add(sum, sum), a_green), b_green)));
+}
+
+template <bool kBorder>
+HWY_INLINE V8 GreenBlock(const uint8_t* const (&lines)[5], size_t x, uint32_t width, bool starts_green) {
+  const size_t first = FirstSite(starts_green);
+  const uint8_t* const mid = lines[2] + first;
+  const VSite own = Sites(mid);
+  const VSite north = Sites(lines[1] + first), south = Sites(lines[3] + first);
+  const VSite west = Sites(mid - 1), east = Sites(mid + 1);
+  const VSite vertical = Laplacian(own, Sites(lines[0] + first), Sites(lines[4] + first));
+  const VSite horizontal = Laplacian(own, Sites(mid - 2), Sites(mid + 2));
+  V8 green = SiteBytes(Adaptive(north, south, vertical, west, east, horizontal), first);
+  if constexpr (kBorder) {
+    const VSite along = hn::Add(north, south);
+    const VSite cross = hn::ShiftRight<2>(hn::Add(along, hn::Add(west, east)));
+    const V8 second = SiteBytes(cross, first);
+    const V8 outermost = SiteBytes(hn::ShiftRight<1>(along), first);
+    green = hn::IfThenElse(OutsideColumns(D8(), x, {2, width - 2}), second, green);
+    green = hn::IfThenElse(OutsideColumns(D8(), x, {1, width - 1}), outermost, green);
+  }
+  return hn::IfThenElse(GreenSites(D8(), starts_green), hn::LoadU(D8(), lines[2]), green);
+}
+
+void Green(const GreenLines& info, const BayerRow& row, uint8_t* greens) {
+  const uint8_t* const lines[5] = {info.raw[0], info.raw[1], info.raw[2], info.raw[3], info.raw[4]};
+  const GreenSink sink{greens, 0};
+  CoverRow<StoreKind::kCached>(
+      lines, row, ColumnRange{2, row.width - 2}, sink,
+      [&](const uint8_t* const(&at)[5], size_t x, bool starts_green, V8&, V8& green, V8&)
+          HWY_ATTR { green = GreenBlock<false>(at, x, row.width, starts_green); },
+      [&](const uint8_t* const(&at)[5], size_t x, bool starts_green, V8&, V8& green, V8&)
+          HWY_ATTR { green = GreenBlock<true>(at, x, row.width, starts_green); });
+}
+
+// `lines`: raw rows above, of and below the block, then the greens of the same rows.
+template <bool kBorder>
+HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, ColumnRange adaptive,
+                            bool starts_green, V8& row_colour, V8& green, V8& other_colour) {
+  const size_t at_green = FirstSite(!starts_green);
+  const size_t at_other = FirstSite(starts_green);
+  const auto site = [&](size_t line, size_t first, ptrdiff_t dx)
+                        HWY_ATTR { return Sites(lines[line] + static_cast<ptrdiff_t>(first) + dx); };
+  const VSite north = site(0, at_green, 0), south = site(2, at_green, 0);
+  const VSite west = site(1, at_green, -1), east = site(1, at_green, 1);
+  const VSite own_green = site(1, at_green, 0);
+  V8 horizontal =
+      SiteBytes(AtGreen(own_green, west, east, site(4, at_green, -1), site(4, at_green, 1)), at_green);
+  V8 vertical =
+      SiteBytes(AtGreen(own_green, north, south, site(3, at_green, 0), site(5, at_green, 0)), at_green);
+
+  const VSite nw = site(0, at_other, -1), ne = site(0, at_other, 1);
+  const VSite sw = site(2, at_other, -1), se = site(2, at_other, 1);
+  const VSite other_green = site(4, at_other, 0);
+  const VSite anti = Laplacian(other_green, site(3, at_other, 1), site(5, at_other, -1));
+  const VSite main = Laplacian(other_green, site(3, at_other, -1), site(5, at_other, 1));
+  V8 opposite = SiteBytes(Adaptive(ne, sw, anti, nw, se, main), at_other);
+
+  if constexpr (kBorder) {
+    const auto outside = OutsideColumns(D8(), x, adaptive);
+    const auto half = [](VSite a, VSite b) HWY_ATTR { return hn::ShiftRight<1>(hn::Add(a, b)); };
+    const VSite diagonal = hn::ShiftRight<2>(hn::Add(hn::Add(nw, ne), hn::Add(sw, se)));
+    horizontal = hn::IfThenElse(outside, SiteBytes(half(west, east), at_green), horizontal);
+    vertical = hn::IfThenElse(outside, SiteBytes(half(north, south), at_green), vertical);
+    opposite = hn::IfThenElse(outside, SiteBytes(diagonal, at_other), opposite);
+  }
+  const auto green_sites = GreenSites(D8(), starts_green);
+  row_colour = hn::IfThenElse(green_sites, horizontal, hn::LoadU(D8(), lines[1]));
+  green = hn::LoadU(D8(), lines[4]);
+  other_colour = hn::IfThenElse(green_sites, vertical, opposite);
+}
+
+template <class Sink, StoreKind kStores>
+void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& target) {
+  const Sink sink{target.plane[0], target.first_column};
+  if (kStores == StoreKind::kStreaming && sink.PixelsToAlign(row.columns.begin) == kLanes) {
+    return Colour<Sink, StoreKind::kCached>(info, row, target);
+  }
+  const uint8_t* const lines[6] = {info.raw[0],    info.raw[1],    info.raw[2],
+                                   info.greens[0], info.greens[1], info.greens[2]};
+  const bool blue = row.role.blue;
+  const auto in_order = [&](V8 row_colour, V8 other_colour, V8& c0, V8& c2) HWY_ATTR {
+    c0 = blue ? row_colour : other_colour;
+    c2 = blue ? other_colour : row_colour;
+  };
+  CoverRow<kStores>(
+      lines, row, info.adaptive, sink,
+      [&](const uint8_t* const(&at)[6], size_t x, bool starts_green, V8& c0, V8& c1, V8& c2) HWY_ATTR {
+        V8 row_colour, other_colour;
+        ColourBlock<false>(at, x, info.adaptive, starts_green, row_colour, c1, other_colour);
+        in_order(row_colour, other_colour, c0, c2);
+      },
+      [&](const uint8_t* const(&at)[6], size_t x, bool starts_green, V8& c0, V8& c1, V8& c2) HWY_ATTR {
+        V8 row_colour, other_colour;
+        ColourBlock<true>(at, x, info.adaptive, starts_green, row_colour, c1, other_colour);
+        in_order(row_colour, other_colour, c0, c2);
+      });
+}
+
+void PutBgra(const uint8_t* greens, ColumnRange columns, const RowTarget& target) {
+  const D32 d;
+  const hn::Rebind<uint8_t, D32> d_bytes;
+  constexpr size_t kPixels = hn::MaxLanes(D32());
+  uint8_t* dst = target.plane[0] + size_t{4} * (columns.begin - target.first_column);
+  size_t x = columns.begin;
+  for (; x + kPixels <= columns.end; x += kPixels, dst += 4 * kPixels) {
+    const auto green = hn::BitCast(D8(), hn::ShiftLeft<8>(hn::PromoteTo(d, hn::LoadU(d_bytes, greens + x))));
+    const auto others = hn::And(hn::LoadU(D8(), dst), hn::BitCast(D8(), hn::Set(d, 0xFFFF00FFu)));
+    hn::StoreU(hn::Or(others, green), D8(), dst);
+  }
+  for (; x < columns.end; ++x, dst += 4) dst[1] = greens[x];
+}
+
+void PutBgr(const uint8_t* greens, ColumnRange columns, const RowTarget& target) {
+  uint8_t* dst = target.plane[0] + size_t{3} * (columns.begin - target.first_column);
+  for (size_t x = columns.begin; x < columns.end; ++x, dst += 3) dst[1] = greens[x];
+}
+
+constexpr AcpiKernels kKernels = {
+    .green = &Green,
+    .bgra = {&Colour<BgraSink, StoreKind::kCached>, &Colour<BgraSink, StoreKind::kStreaming>},
+    .bgr = {&Colour<BgrSink, StoreKind::kCached>, &Colour<BgrSink, StoreKind::kStreaming>},
+    .put_bgra = &PutBgra,
+    .put_bgr = &PutBgr};
+
+}  // namespace
+
+const AcpiKernels& AcpiTable() { return kKernels; }
+
+}  // namespace prismo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace prismo {
+
+const AcpiKernels& CurrentAcpiKernels() {
+  static constexpr simd::TargetTables<AcpiKernels> kTables{PRISMO_TARGET_TABLES(AcpiTable)};
+  return kTables.Current();
+}
+
+}  // namespace prismo
+#endif
