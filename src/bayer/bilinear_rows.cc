@@ -13,8 +13,8 @@ HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
 namespace {
 
-// Arithmetic on one vector of sites. Average2 and Average4 give values that Finish turns into samples of 8
-// significant bits; all averages truncate.
+// Arithmetic on one vector of sites. Finish turns an average of 1, 2 or 4 samples into its 8 significant
+// bits; all averages truncate.
 
 // Bytes are complemented on loading: the rounding-up average of complements is the complement of the
 // truncating one.
@@ -25,7 +25,7 @@ struct Bytes {
   explicit Bytes(uint32_t) {}
 
   HWY_INLINE V Load(const T* from) const { return hn::Not(hn::LoadU(D(), from)); }
-  HWY_INLINE V Own(V v) const { return hn::Not(v); }
+  HWY_INLINE V Average1(V v) const { return v; }
   HWY_INLINE V Average2(V a, V b) const { return hn::AverageRound(a, b); }
   // Of two rounded-up averages one is too large by a half when both pairs were odd.
   HWY_INLINE V Average4(V a, V b, V c, V d) const {
@@ -45,7 +45,7 @@ struct Words {
   explicit Words(uint32_t s) : shift(static_cast<int>(s % 32)) {}
 
   HWY_INLINE V Load(const T* from) const { return hn::LoadU(D(), from); }
-  HWY_INLINE V Own(V v) const { return hn::ShiftRightSame(v, shift); }
+  HWY_INLINE V Average1(V v) const { return hn::ShiftRightSame(v, shift); }
   HWY_INLINE V Average2(V a, V b) const { return hn::ShiftRightSame(hn::Add(a, b), shift + 1); }
   HWY_INLINE V Average4(V a, V b, V c, V d) const {
     return hn::ShiftRightSame(hn::Add(hn::Add(a, b), hn::Add(c, d)), shift + 2);
@@ -65,7 +65,7 @@ struct WideWords {
         shift4(static_cast<int>((s + 2) % 32)) {}
 
   HWY_INLINE V Load(const T* from) const { return hn::PromoteTo(D(), hn::LoadU(hn::Rebind<T, D>(), from)); }
-  HWY_INLINE V Own(V v) const { return hn::ShiftRightSame(v, shift1); }
+  HWY_INLINE V Average1(V v) const { return hn::ShiftRightSame(v, shift1); }
   HWY_INLINE V Average2(V a, V b) const { return hn::ShiftRightSame(hn::Add(a, b), shift2); }
   HWY_INLINE V Average4(V a, V b, V c, V d) const {
     return hn::ShiftRightSame(hn::Add(hn::Add(a, b), hn::Add(c, d)), shift4);
@@ -83,9 +83,9 @@ struct BorderSites {
 // One vector of sites from column `x` of the lines on: the colour of the row's other sites, green, and the
 // colour of the rows above and below. `border` is null inside the frame.
 //
-// Outside the frame the lines are mirrored, which makes the interior formulas right on the border but for one
-// rule: the green of a red or blue site uses only the two neighbours along a straight edge. (In a corner the
-// mirrored formula (2a + 2b) >> 2 is the corner's own rule (a + b) >> 1.)
+// On the frame's border averages are over the neighbours inside the frame (outside of it the lines are
+// mirrored, so that west or east, north or south can stand for both), and green uses only the two neighbours
+// along the border.
 template <class A>
 HWY_INLINE void Interpolate(const A& arithmetic, const typename A::T* const (&lines)[3], size_t x,
                             hn::Mask<typename A::D> green_sites, const BorderSites<typename A::D>* border,
@@ -93,15 +93,26 @@ HWY_INLINE void Interpolate(const A& arithmetic, const typename A::T* const (&li
   using V = typename A::V;
   const auto load = [&](size_t line, ptrdiff_t dx)
                         HWY_ATTR { return arithmetic.Load(lines[line] + static_cast<ptrdiff_t>(x) + dx); };
-  const V own = arithmetic.Own(load(1, 0));
+  const V own = arithmetic.Finish(arithmetic.Average1(load(1, 0)));
   const V north = load(0, 0), south = load(2, 0), west = load(1, -1), east = load(1, 1);
-  const V horizontal = arithmetic.Average2(west, east);
-  const V vertical = arithmetic.Average2(north, south);
+  const V north_west = load(0, -1), north_east = load(0, 1), south_west = load(2, -1),
+          south_east = load(2, 1);
+  V horizontal = arithmetic.Average2(west, east);
+  V vertical = arithmetic.Average2(north, south);
   V cross = arithmetic.Average4(west, east, north, south);
-  const V diagonal = arithmetic.Average4(load(0, -1), load(0, 1), load(2, -1), load(2, 1));
+  V diagonal = arithmetic.Average4(north_west, north_east, south_west, south_east);
   if (border) {
-    cross = border->edge_row ? hn::IfThenElse(border->edge_columns, cross, horizontal)
-                             : hn::IfThenElse(border->edge_columns, vertical, cross);
+    const auto edge = border->edge_columns;
+    if (border->edge_row) {
+      cross = hn::IfThenElse(edge, arithmetic.Average2(north, west), horizontal);
+      diagonal =
+          hn::IfThenElse(edge, arithmetic.Average1(north_west), arithmetic.Average2(north_west, north_east));
+      vertical = arithmetic.Average1(north);
+    } else {
+      cross = hn::IfThenElse(edge, vertical, cross);
+      diagonal = hn::IfThenElse(edge, arithmetic.Average2(north_west, south_west), diagonal);
+    }
+    horizontal = hn::IfThenElse(edge, arithmetic.Average1(west), horizontal);
   }
   row_colour = hn::IfThenElse(green_sites, arithmetic.Finish(horizontal), own);
   green = hn::IfThenElse(green_sites, own, arithmetic.Finish(cross));
@@ -147,13 +158,18 @@ HWY_INLINE void Block(const A& arithmetic, const BilinearLines& info, const Baye
   } else {
     using D = typename A::D;
     const hn::Rebind<uint8_t, D> d_bytes;
+    const hn::RebindToSigned<D> d_signed;
+    // Not TruncateTo: for 512-bit vectors Highway 1.0.3 permutes the wrong bytes.
+    const auto low_bytes = [&](typename A::V v) HWY_ATTR {
+      return hn::DemoteTo(d_bytes, hn::BitCast(d_signed, hn::And(v, hn::Set(D(), 255))));
+    };
     HWY_ALIGN uint8_t bytes[3][kLanes];
     for (size_t lane = 0; lane < kLanes; lane += kPart) {
       typename A::V r, g, o;
       part(lane, r, g, o);
-      hn::StoreU(hn::TruncateTo(d_bytes, r), d_bytes, bytes[0] + lane);
-      hn::StoreU(hn::TruncateTo(d_bytes, g), d_bytes, bytes[1] + lane);
-      hn::StoreU(hn::TruncateTo(d_bytes, o), d_bytes, bytes[2] + lane);
+      hn::StoreU(low_bytes(r), d_bytes, bytes[0] + lane);
+      hn::StoreU(low_bytes(g), d_bytes, bytes[1] + lane);
+      hn::StoreU(low_bytes(o), d_bytes, bytes[2] + lane);
     }
     row_colour = hn::Load(D8(), bytes[0]);
     green = hn::Load(D8(), bytes[1]);
