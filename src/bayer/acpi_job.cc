@@ -23,7 +23,7 @@ class GreenRowBuffer {
 
 void ComputeGreens(const AcpiImages& images, uint32_t y, ColumnRange columns, uint8_t* greens) {
   const uint32_t height = images.frame.height;
-  const BayerRow row{images.frame.width, columns, RoleOf(images.phase, y)};
+  const BayerRow row{images.frame.width, columns, RoleOf(images.phase, y), y >= 3 && y + 3 < height};
   if (y < 2 || y + 2 >= height) {
     const BilinearLines lines{.up = images.Line(y == 0 ? 1 : y - 1),
                               .mid = images.Line(y),
@@ -78,7 +78,7 @@ void AcpiJob::Rows(RowRange range) const {
         lines.greens[2] = greens_of(y + 1);
         lines.adaptive = region.adaptive_columns;
       }
-      convert(lines, {images.frame.width, strip, RoleOf(images.phase, y)}, images.Target(y));
+      convert(lines, {images.frame.width, strip, RoleOf(images.phase, y), true}, images.Target(y));
     }
   });
   if (pad_bytes != 0) {

@@ -89,21 +89,21 @@ void Green(const GreenLines& info, const BayerRow& row, uint8_t* greens) {
   const uint8_t* const lines[5] = {info.raw[0], info.raw[1], info.raw[2], info.raw[3], info.raw[4]};
   const GreenSink sink{greens, 0};
   CoverRow<StoreKind::kCached>(
-      lines, row, ColumnRange{2, row.width - 2}, sink,
+      lines, 4, row, ColumnRange{2, row.width - 2}, sink,
       [&](const uint8_t* const(&at)[5], size_t x, bool starts_green, V8&, V8& green, V8&)
-          HWY_ATTR { green = GreenBlock<false>(at, x, row.width, starts_green); },
+          PRISMO_INLINE { green = GreenBlock<false>(at, x, row.width, starts_green); },
       [&](const uint8_t* const(&at)[5], size_t x, bool starts_green, V8&, V8& green, V8&)
-          HWY_ATTR { green = GreenBlock<true>(at, x, row.width, starts_green); });
+          PRISMO_INLINE { green = GreenBlock<true>(at, x, row.width, starts_green); });
 }
 
 // `lines`: raw rows above, of and below the block, then the greens of the same rows.
 template <bool kBorder>
-HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, ColumnRange adaptive,
+HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, uint32_t width, ColumnRange adaptive,
                             bool starts_green, V8& row_colour, V8& green, V8& other_colour) {
   const size_t at_green = FirstSite(!starts_green);
   const size_t at_other = FirstSite(starts_green);
   const auto site = [&](size_t line, size_t first, ptrdiff_t dx)
-                        HWY_ATTR { return Sites(lines[line] + static_cast<ptrdiff_t>(first) + dx); };
+                        PRISMO_INLINE { return Sites(lines[line] + static_cast<ptrdiff_t>(first) + dx); };
   const VSite north = site(0, at_green, 0), south = site(2, at_green, 0);
   const VSite west = site(1, at_green, -1), east = site(1, at_green, 1);
   const VSite own_green = site(1, at_green, 0);
@@ -120,12 +120,20 @@ HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, ColumnRa
   V8 opposite = SiteBytes(Adaptive(ne, sw, anti, nw, se, main), at_other);
 
   if constexpr (kBorder) {
+    // Bilinear: averages over the neighbours inside the frame.
     const auto outside = OutsideColumns(D8(), x, adaptive);
-    const auto half = [](VSite a, VSite b) HWY_ATTR { return hn::ShiftRight<1>(hn::Add(a, b)); };
+    const auto left_edge = OutsideColumns(D8(), x, {1, width});
+    const auto right_edge = OutsideColumns(D8(), x, {0, width - 1});
+    const auto half = [](VSite a, VSite b) PRISMO_INLINE { return hn::ShiftRight<1>(hn::Add(a, b)); };
+    const auto at_edges = [&](VSite inside, VSite west_side, VSite east_side, size_t first) PRISMO_INLINE {
+      return hn::IfThenElse(
+          left_edge, SiteBytes(east_side, first),
+          hn::IfThenElse(right_edge, SiteBytes(west_side, first), SiteBytes(inside, first)));
+    };
     const VSite diagonal = hn::ShiftRight<2>(hn::Add(hn::Add(nw, ne), hn::Add(sw, se)));
-    horizontal = hn::IfThenElse(outside, SiteBytes(half(west, east), at_green), horizontal);
+    horizontal = hn::IfThenElse(outside, at_edges(half(west, east), west, east, at_green), horizontal);
     vertical = hn::IfThenElse(outside, SiteBytes(half(north, south), at_green), vertical);
-    opposite = hn::IfThenElse(outside, SiteBytes(diagonal, at_other), opposite);
+    opposite = hn::IfThenElse(outside, at_edges(diagonal, half(nw, sw), half(ne, se), at_other), opposite);
   }
   const auto green_sites = GreenSites(D8(), starts_green);
   row_colour = hn::IfThenElse(green_sites, horizontal, hn::LoadU(D8(), lines[1]));
@@ -141,22 +149,15 @@ void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& targe
   }
   const uint8_t* const lines[6] = {info.raw[0],    info.raw[1],    info.raw[2],
                                    info.greens[0], info.greens[1], info.greens[2]};
-  const bool blue = row.role.blue;
-  const auto in_order = [&](V8 row_colour, V8 other_colour, V8& c0, V8& c2) HWY_ATTR {
-    c0 = blue ? row_colour : other_colour;
-    c2 = blue ? other_colour : row_colour;
-  };
   CoverRow<kStores>(
-      lines, row, info.adaptive, sink,
-      [&](const uint8_t* const(&at)[6], size_t x, bool starts_green, V8& c0, V8& c1, V8& c2) HWY_ATTR {
-        V8 row_colour, other_colour;
-        ColourBlock<false>(at, x, info.adaptive, starts_green, row_colour, c1, other_colour);
-        in_order(row_colour, other_colour, c0, c2);
+      lines, 2, row, info.adaptive, sink,
+      [&](const uint8_t* const(&at)[6], size_t x, bool starts_green, V8& row_colour, V8& green,
+          V8& other_colour) PRISMO_INLINE {
+        ColourBlock<false>(at, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);
       },
-      [&](const uint8_t* const(&at)[6], size_t x, bool starts_green, V8& c0, V8& c1, V8& c2) HWY_ATTR {
-        V8 row_colour, other_colour;
-        ColourBlock<true>(at, x, info.adaptive, starts_green, row_colour, c1, other_colour);
-        in_order(row_colour, other_colour, c0, c2);
+      [&](const uint8_t* const(&at)[6], size_t x, bool starts_green, V8& row_colour, V8& green,
+          V8& other_colour) PRISMO_INLINE {
+        ColourBlock<true>(at, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);
       });
 }
 

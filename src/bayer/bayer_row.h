@@ -16,7 +16,13 @@ struct BayerRow {
   uint32_t width;       // of the frame: samples from column 0 to width - 1 exist
   ColumnRange columns;  // to be converted
   RowRole role;
+  bool inside;  // no line is the frame's first or last: kReadBefore samples before and kReadAfter behind can
+                // be read
 };
+
+// Columns that a kernel may read before the first and behind the last column of a block.
+inline constexpr uint32_t kReadBefore = 2;
+inline constexpr uint32_t kReadAfter = 3;
 
 // Where the pixels of a row go: plane[0] alone for packed layouts; blue, green and red plane otherwise. The
 // first byte belongs to column `first_column`.

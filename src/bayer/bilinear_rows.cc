@@ -13,26 +13,30 @@ HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
 namespace {
 
-// Arithmetic on one vector of sites. Finish turns an average of 1, 2 or 4 samples into its 8 significant
-// bits; all averages truncate.
+// Arithmetic on one vector of sites. Averages of 1, 2 or 4 samples truncate and leave the result in the low 8
+// bits.
 
-// Bytes are complemented on loading: the rounding-up average of complements is the complement of the
-// truncating one.
 struct Bytes {
   using T = uint8_t;
   using D = D8;
   using V = V8;
   explicit Bytes(uint32_t) {}
 
-  HWY_INLINE V Load(const T* from) const { return hn::Not(hn::LoadU(D(), from)); }
+  HWY_INLINE V Load(const T* from) const { return hn::LoadU(D(), from); }
   HWY_INLINE V Average1(V v) const { return v; }
-  HWY_INLINE V Average2(V a, V b) const { return hn::AverageRound(a, b); }
-  // Of two rounded-up averages one is too large by a half when both pairs were odd.
+  // The machine's average rounds up.
+  HWY_INLINE V Average2(V a, V b) const { return hn::Sub(hn::AverageRound(a, b), OddSum(a, b)); }
+  // The halves that both truncating averages of pairs have lost make a whole when both pairs are odd: then
+  // rounding up is right.
   HWY_INLINE V Average4(V a, V b, V c, V d) const {
-    const V both_odd = hn::And(hn::And(hn::Xor(a, b), hn::Xor(c, d)), hn::Set(D(), 1));
-    return hn::AverageRound(hn::AverageRound(a, b), hn::Sub(hn::AverageRound(c, d), both_odd));
+    const V ab = Average2(a, b);
+    const V cd = Average2(c, d);
+    const V both_odd = hn::And(OddSum(a, b), OddSum(c, d));
+    return hn::Sub(hn::AverageRound(ab, cd), hn::AndNot(both_odd, OddSum(ab, cd)));
   }
-  HWY_INLINE V Finish(V v) const { return hn::Not(v); }
+
+ private:
+  static HWY_INLINE V OddSum(V a, V b) { return hn::And(hn::Xor(a, b), hn::Set(D(), 1)); }
 };
 
 // Words: the sum of four 16-bit samples wraps, but bits shift + 2 to shift + 9 of it are right for shifts up
@@ -50,7 +54,6 @@ struct Words {
   HWY_INLINE V Average4(V a, V b, V c, V d) const {
     return hn::ShiftRightSame(hn::Add(hn::Add(a, b), hn::Add(c, d)), shift + 2);
   }
-  HWY_INLINE V Finish(V v) const { return v; }
 };
 
 // Words with sums of 32 bits. Each shift count is taken modulo 32 by itself.
@@ -70,39 +73,44 @@ struct WideWords {
   HWY_INLINE V Average4(V a, V b, V c, V d) const {
     return hn::ShiftRightSame(hn::Add(hn::Add(a, b), hn::Add(c, d)), shift4);
   }
-  HWY_INLINE V Finish(V v) const { return v; }
 };
 
 // Where a vector of sites touches the frame's border.
 template <class D>
 struct BorderSites {
   bool edge_row;
-  hn::Mask<D> edge_columns;
+  hn::Mask<D> left_edge, right_edge;
 };
 
 // One vector of sites from column `x` of the lines on: the colour of the row's other sites, green, and the
 // colour of the rows above and below. `border` is null inside the frame.
 //
-// On the frame's border averages are over the neighbours inside the frame (outside of it the lines are
-// mirrored, so that west or east, north or south can stand for both), and green uses only the two neighbours
-// along the border.
+// On the frame's border averages are over the neighbours inside the frame (after mirroring, west or east,
+// north or south stands for both), and green uses only the two neighbours along the border.
 template <class A>
 HWY_INLINE void Interpolate(const A& arithmetic, const typename A::T* const (&lines)[3], size_t x,
                             hn::Mask<typename A::D> green_sites, const BorderSites<typename A::D>* border,
                             typename A::V& row_colour, typename A::V& green, typename A::V& other_colour) {
   using V = typename A::V;
-  const auto load = [&](size_t line, ptrdiff_t dx)
-                        HWY_ATTR { return arithmetic.Load(lines[line] + static_cast<ptrdiff_t>(x) + dx); };
-  const V own = arithmetic.Finish(arithmetic.Average1(load(1, 0)));
-  const V north = load(0, 0), south = load(2, 0), west = load(1, -1), east = load(1, 1);
-  const V north_west = load(0, -1), north_east = load(0, 1), south_west = load(2, -1),
-          south_east = load(2, 1);
+  const auto load = [&](size_t line, ptrdiff_t dx) PRISMO_INLINE {
+    return arithmetic.Load(lines[line] + static_cast<ptrdiff_t>(x) + dx);
+  };
+  const V own = arithmetic.Average1(load(1, 0));
+  const V north = load(0, 0), south = load(2, 0);
+  V west = load(1, -1), east = load(1, 1);
+  V north_west = load(0, -1), north_east = load(0, 1);
+  V south_west = load(2, -1), south_east = load(2, 1);
+  if (border) {
+    MirrorAtEdges(border->left_edge, border->right_edge, west, east);
+    MirrorAtEdges(border->left_edge, border->right_edge, north_west, north_east);
+    MirrorAtEdges(border->left_edge, border->right_edge, south_west, south_east);
+  }
   V horizontal = arithmetic.Average2(west, east);
   V vertical = arithmetic.Average2(north, south);
   V cross = arithmetic.Average4(west, east, north, south);
   V diagonal = arithmetic.Average4(north_west, north_east, south_west, south_east);
   if (border) {
-    const auto edge = border->edge_columns;
+    const auto edge = hn::Or(border->left_edge, border->right_edge);
     if (border->edge_row) {
       cross = hn::IfThenElse(edge, arithmetic.Average2(north, west), horizontal);
       diagonal =
@@ -114,9 +122,9 @@ HWY_INLINE void Interpolate(const A& arithmetic, const typename A::T* const (&li
     }
     horizontal = hn::IfThenElse(edge, arithmetic.Average1(west), horizontal);
   }
-  row_colour = hn::IfThenElse(green_sites, arithmetic.Finish(horizontal), own);
-  green = hn::IfThenElse(green_sites, own, arithmetic.Finish(cross));
-  other_colour = hn::IfThenElse(green_sites, arithmetic.Finish(vertical), arithmetic.Finish(diagonal));
+  row_colour = hn::IfThenElse(green_sites, horizontal, own);
+  green = hn::IfThenElse(green_sites, own, cross);
+  other_colour = hn::IfThenElse(green_sites, vertical, diagonal);
 }
 
 // Sites of one vector of A's lanes from lane `lane` of the block on.
@@ -128,7 +136,8 @@ HWY_INLINE void InterpolatePart(const A& arithmetic, const BilinearLines& info, 
   using D = typename A::D;
   const auto green_sites = GreenSites(D(), starts_green);
   if constexpr (kBorder) {
-    const BorderSites<D> border{info.edge, OutsideColumns(D(), x + lane, {1, row.width - 1})};
+    const BorderSites<D> border{info.edge, OutsideColumns(D(), x + lane, {1, row.width}),
+                                OutsideColumns(D(), x + lane, {0, row.width - 1})};
     Interpolate(arithmetic, lines, lane, green_sites, &border, row_colour, green, other_colour);
   } else {
     Interpolate<A>(arithmetic, lines, lane, green_sites, nullptr, row_colour, green, other_colour);
@@ -141,7 +150,7 @@ HWY_INLINE void Block(const A& arithmetic, const BilinearLines& info, const Baye
                       const typename A::T* const (&lines)[3], size_t x, bool starts_green, V8& row_colour,
                       V8& green, V8& other_colour) {
   constexpr size_t kPart = hn::MaxLanes(typename A::D());
-  const auto part = [&](size_t lane, auto& r, auto& g, auto& o) HWY_ATTR {
+  const auto part = [&](size_t lane, auto& r, auto& g, auto& o) PRISMO_INLINE {
     InterpolatePart<A, kBorder>(arithmetic, info, row, lines, x, lane, starts_green, r, g, o);
   };
   if constexpr (sizeof(hn::TFromD<typename A::D>) == 1) {
@@ -160,7 +169,7 @@ HWY_INLINE void Block(const A& arithmetic, const BilinearLines& info, const Baye
     const hn::Rebind<uint8_t, D> d_bytes;
     const hn::RebindToSigned<D> d_signed;
     // Not TruncateTo: for 512-bit vectors Highway 1.0.3 permutes the wrong bytes.
-    const auto low_bytes = [&](typename A::V v) HWY_ATTR {
+    const auto low_bytes = [&](typename A::V v) PRISMO_INLINE {
       return hn::DemoteTo(d_bytes, hn::BitCast(d_signed, hn::And(v, hn::Set(D(), 255))));
     };
     HWY_ALIGN uint8_t bytes[3][kLanes];
@@ -196,26 +205,19 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
   }
   const T* const lines[3] = {static_cast<const T*>(info.up), static_cast<const T*>(info.mid),
                              static_cast<const T*>(info.down)};
-  const bool blue = row.role.blue;
-  const auto in_order = [&](V8 row_colour, V8 other_colour, V8& c0, V8& c2) HWY_ATTR {
-    c0 = blue ? row_colour : other_colour;
-    c2 = blue ? other_colour : row_colour;
-  };
   // In the top and bottom row every block is one of the border.
   const ColumnRange inner_columns =
       info.edge ? ColumnRange{row.width, row.width} : ColumnRange{1, row.width - 1};
   CoverRow<kStores>(
-      lines, row, inner_columns, sink,
-      [&](const T* const(&at)[3], size_t x, bool starts_green, V8& c0, V8& c1, V8& c2) HWY_ATTR {
-        V8 row_colour, other_colour;
-        Block<A, false>(arithmetic, info, row, at, x, starts_green, row_colour, c1, other_colour);
-        in_order(row_colour, other_colour, c0, c2);
-      },
-      [&](const T* const(&at)[3], size_t x, bool starts_green, V8& c0, V8& c1, V8& c2) HWY_ATTR {
-        V8 row_colour, other_colour;
-        Block<A, true>(arithmetic, info, row, at, x, starts_green, row_colour, c1, other_colour);
-        in_order(row_colour, other_colour, c0, c2);
-      });
+      lines, 2, row, inner_columns, sink,
+      [&](const T* const(&at)[3], size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour)
+          PRISMO_INLINE {
+            Block<A, false>(arithmetic, info, row, at, x, starts_green, row_colour, green, other_colour);
+          },
+      [&](const T* const(&at)[3], size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour)
+          PRISMO_INLINE {
+            Block<A, true>(arithmetic, info, row, at, x, starts_green, row_colour, green, other_colour);
+          });
 }
 
 template <class Sink>

@@ -40,7 +40,7 @@ template <class Source, class Sink, StoreKind kStores>
 void Run(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t shift) {
   const Source source(shift);
   const Sink sink{dst};
-  const auto some = [&](size_t x, size_t count) HWY_ATTR {
+  const auto some = [&](size_t x, size_t count) PRISMO_INLINE {
     HWY_ALIGN uint8_t block[Source::kPixelBytes * kLanes] = {};
     std::memcpy(block, src + Source::kPixelBytes * x, Source::kPixelBytes * count);
     V8 b, g, r;

@@ -144,9 +144,17 @@ struct PackedSink {
 
   // Writes lanes from .. from + count - 1 of a block whose lane 0 is pixel x.
   HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8 b, V8 g, V8 r) const {
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+    V8 v[4];
+    Interleave(b, g, r, v);
+    const size_t begin = kBytes * from;
+    const size_t end = kBytes * (from + count);
+    for (size_t i = 0; i < kBytes; ++i) StoreBytes(v[i], At(x) + kLanes * i, begin, end, kLanes * i);
+#else
     HWY_ALIGN uint8_t block[kBytes * kLanes];
     StoreTo<StoreKind::kCached>(block, b, g, r);
     std::memcpy(At(x + from), block + kBytes * from, kBytes * count);
+#endif
   }
 
   HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(At(x), kBytes); }
@@ -154,26 +162,39 @@ struct PackedSink {
  private:
   HWY_INLINE uint8_t* At(size_t x) const { return dst + kBytes * (x - first); }
 
+#if PRISMO_OWN_INTERLEAVE
+  static HWY_INLINE void Interleave(V8 b, V8 g, V8 r, V8 (&v)[4]) {
+    if constexpr (kBytes == 4) {
+      Interleave4(b, g, r, hn::Set(D8(), 255), v[0], v[1], v[2], v[3]);
+    } else {
+      Interleave3(b, g, r, v[0], v[1], v[2]);
+    }
+  }
+#endif
+
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  // Bytes [begin, end) of a block of which `v` is the vector from byte `first` on.
+  static HWY_INLINE void StoreBytes(V8 v, uint8_t* to, size_t begin, size_t end, size_t first) {
+    const auto clip = [&](size_t byte) PRISMO_INLINE {
+      return static_cast<unsigned>(byte <= first ? 0 : byte - first >= kLanes ? kLanes : byte - first);
+    };
+    const uint64_t below_begin = _bzhi_u64(~uint64_t{0}, clip(begin));
+    const uint64_t below_end = _bzhi_u64(~uint64_t{0}, clip(end));
+    _mm512_mask_storeu_epi8(to, below_end & ~below_begin, v.raw);
+  }
+#endif
+
   template <StoreKind kStores>
   static HWY_INLINE void StoreTo(uint8_t* to, V8 b, V8 g, V8 r) {
-    const D8 d8;
 #if PRISMO_OWN_INTERLEAVE
-    V8 v0, v1, v2;
-    if constexpr (kBytes == 4) {
-      V8 v3;
-      Interleave4(b, g, r, hn::Set(d8, 255), v0, v1, v2, v3);
-      Put<kStores>(v3, d8, to + 3 * kLanes);
-    } else {
-      Interleave3(b, g, r, v0, v1, v2);
-    }
-    Put<kStores>(v0, d8, to);
-    Put<kStores>(v1, d8, to + kLanes);
-    Put<kStores>(v2, d8, to + 2 * kLanes);
+    V8 v[4];
+    Interleave(b, g, r, v);
+    for (size_t i = 0; i < kBytes; ++i) Put<kStores>(v[i], D8(), to + i * kLanes);
 #else
     if constexpr (kBytes == 4) {
-      hn::StoreInterleaved4(b, g, r, hn::Set(d8, 255), d8, to);
+      hn::StoreInterleaved4(b, g, r, hn::Set(D8(), 255), D8(), to);
     } else {
-      hn::StoreInterleaved3(b, g, r, d8, to);
+      hn::StoreInterleaved3(b, g, r, D8(), to);
     }
 #endif
   }

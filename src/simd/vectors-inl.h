@@ -13,6 +13,10 @@
 #include "hwy/highway.h"
 #include "simd/targets.h"
 
+// For lambdas in inner loops: without it GCC calls them and passes vectors through memory.
+#undef PRISMO_INLINE
+#define PRISMO_INLINE HWY_ATTR __attribute__((always_inline))
+
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
 
