@@ -8,7 +8,7 @@
 namespace prismo::mp {
 
 struct LogConfiguration {
-  std::string folder;  // of saved logs, with a separator at its end; empty: there is none
+  std::string folder{};  // of saved logs, with a separator at its end; empty: there is none
   bool save_on_error = false;
   bool termination_log = false;
   uint32_t level = 0;

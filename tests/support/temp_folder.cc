@@ -32,6 +32,15 @@ void WriteFile(const std::string& path, const Bytes& content) {
   if (!file) throw std::runtime_error("cannot write " + path);
 }
 
+std::string ReadText(const std::string& path) {
+  const Bytes content = ReadFile(path);
+  return {content.begin(), content.end()};
+}
+
+void WriteText(const std::string& path, std::string_view content) {
+  WriteFile(path, Bytes(content.begin(), content.end()));
+}
+
 uint32_t LittleEndian(const Bytes& content, size_t offset, size_t bytes) {
   uint32_t value = 0;
   for (size_t i = bytes; i-- > 0;) value = value << 8 | content.at(offset + i);

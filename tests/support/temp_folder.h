@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace prismo::test {
@@ -25,6 +26,9 @@ class TempFolder {
 
 Bytes ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const Bytes& content);
+
+std::string ReadText(const std::string& path);
+void WriteText(const std::string& path, std::string_view content);
 
 // The number of `bytes` bytes at an offset, lowest byte first.
 uint32_t LittleEndian(const Bytes& content, size_t offset, size_t bytes);
