@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
-#include <thread>
 
 #include "platform/new_file.h"
 #include "platform/process.h"
+#include "platform/processors.h"
 #include "platform/tick_counter.h"
 
 namespace prismo::mp {
@@ -91,7 +91,7 @@ void SaveLog(const std::string& folder, uint64_t base_stamp, const std::vector<L
   const LogFileHeaderBytes header =
       EncodeLogHeader({.version = kVersion,
                        .date = now,
-                       .cores = static_cast<uint8_t>(std::min(std::thread::hardware_concurrency(), 255u)),
+                       .cores = static_cast<uint8_t>(std::min(platform::ProcessorCount(), 255)),
                        .frequency = platform::TickFrequency(),
                        .base_stamp = base_stamp,
                        .record_count = static_cast<uint32_t>(records.size())});

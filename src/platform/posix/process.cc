@@ -3,13 +3,24 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "platform/fork_handler.h"
+
 namespace prismo::platform {
+namespace {
+
+// Asking the kernel costs more than a record of the log does.
+thread_local uint32_t thread_id = 0;
+
+// The thread that forks goes on in the child under another number.
+[[maybe_unused]] const bool forgets_in_child = (AfterForkInChild([] { thread_id = 0; }), true);
+
+}  // namespace
 
 uint32_t ProcessId() noexcept { return static_cast<uint32_t>(getpid()); }
 
 uint32_t ThreadId() noexcept {
-  static thread_local const auto id = static_cast<uint32_t>(syscall(SYS_gettid));
-  return id;
+  if (thread_id == 0) thread_id = static_cast<uint32_t>(syscall(SYS_gettid));
+  return thread_id;
 }
 
 }  // namespace prismo::platform
