@@ -8,20 +8,19 @@
 
 namespace prismo::mp {
 
-Log::Log() noexcept {
-  LogConfiguration configuration = LoadConfiguration();
-  SetLevel(configuration.level);
-  SetSaveOnError(configuration.save_on_error);
-  SetTerminationLog(configuration.termination_log);
-  folder_ = std::move(configuration.folder);
-  ring_.Allocate(configuration.records);
-  // Whatever the level: a saved log begins with the moment that its stamps count from.
-  start_stamp_ = ring_.Append({.function = static_cast<uint32_t>(LogFunction::kMPManager),
-                               .level = static_cast<uint32_t>(LogLevel::kInfo)});
-}
+Log::Log() noexcept : Log(LoadConfiguration()) {}
 
-void Log::Record(const LogEvent& event) noexcept {
-  if (!Wants(event.level)) return;
+Log::Log(LogConfiguration configuration) noexcept
+    : level_(configuration.level),
+      save_on_error_(configuration.save_on_error),
+      termination_log_(configuration.termination_log),
+      folder_(std::move(configuration.folder)),
+      ring_(configuration.records),
+      // Whatever the level: a log begins with the moment that its time stamps count from.
+      start_stamp_(ring_.Append({.function = static_cast<uint32_t>(LogFunction::kMPManager),
+                                 .level = static_cast<uint32_t>(LogLevel::kInfo)})) {}
+
+void Log::Store(const LogEvent& event) noexcept {
   const uint64_t stamp = ring_.Append({.function = static_cast<uint32_t>(event.function),
                                        .level = static_cast<uint32_t>(event.level),
                                        .work_id = event.work_id,

@@ -12,6 +12,8 @@
 
 namespace prismo::mp {
 
+struct LogConfiguration;
+
 struct LogEvent {
   LogFunction function;
   LogKind kind;
@@ -32,7 +34,9 @@ class Log {
   }
 
   // Ignored below the level.
-  void Record(const LogEvent& event) noexcept;
+  void Record(const LogEvent& event) noexcept {
+    if (Wants(event.level)) Store(event);
+  }
 
   uint32_t Level() const noexcept { return level_.load(std::memory_order_relaxed); }
   void SetLevel(uint32_t level) noexcept { level_.store(level, std::memory_order_relaxed); }
@@ -51,16 +55,19 @@ class Log {
   void SaveAtTermination() noexcept;
 
  private:
+  explicit Log(LogConfiguration configuration) noexcept;
+
+  void Store(const LogEvent& event) noexcept;
   void Save() const noexcept;
 
-  std::atomic<uint32_t> level_{0};
-  std::atomic<bool> save_on_error_{false};
-  std::atomic<bool> termination_log_{false};
+  std::atomic<uint32_t> level_;
+  std::atomic<bool> save_on_error_;
+  std::atomic<bool> termination_log_;
   std::atomic<bool> error_recorded_{false};
   std::atomic<bool> saved_on_error_{false};
-  std::string folder_;        // of saved logs, with its separator; empty: none
-  uint64_t start_stamp_ = 0;  // of the first record
-  alignas(64) LogRing ring_;  // apart from the level, which every recorder reads
+  const std::string folder_;  // of saved logs, with its separator; empty: none
+  LogRing ring_;
+  const uint64_t start_stamp_;  // of the first record
 };
 
 // Renders the records of a saved log whose level is at least `level` as text.

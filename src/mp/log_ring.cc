@@ -1,51 +1,77 @@
 #include "mp/log_ring.h"
 
 #include <algorithm>
-#include <utility>
+#include <cstring>
+#include <thread>
 
 #include "platform/page_memory.h"
 #include "platform/process.h"
 #include "platform/tick_counter.h"
 
 namespace prismo::mp {
+namespace {
 
-LogRing::~LogRing() { platform::FreePages(records_); }
+constexpr uint32_t kOccupied = 1;
 
-void LogRing::Allocate(uint32_t records) noexcept {
-  const std::lock_guard guard(lock_);
-  platform::FreePages(std::exchange(records_, nullptr));
-  capacity_ = 0;
-  last_ = -1;
-  full_ = false;
-  const uint32_t wanted = std::clamp(records, kMinCapacity, kMaxCapacity);
-  records_ = static_cast<LogRecord*>(platform::AllocatePages(wanted * sizeof(LogRecord)));
-  if (records_) capacity_ = wanted;
+constexpr uint32_t Clamped(uint32_t records) {
+  return std::clamp(records, LogRing::kMinCapacity, LogRing::kMaxCapacity);
 }
 
-uint32_t LogRing::Capacity() const {
-  const std::lock_guard guard(lock_);
-  return capacity_;
+}  // namespace
+
+LogRing::LogRing(uint32_t records) noexcept
+    : slots_(static_cast<Slot*>(platform::AllocatePages(Clamped(records) * sizeof(Slot)))),
+      capacity_(slots_ ? Clamped(records) : 0) {}
+
+LogRing::~LogRing() { platform::FreePages(slots_); }
+
+uint32_t LogRing::Enter(Slot& slot) noexcept {
+  const std::atomic_ref state(slot.state);
+  for (;;) {
+    uint32_t before = state.load(std::memory_order_relaxed);
+    if ((before & kOccupied) == 0 &&
+        state.compare_exchange_weak(before, before | kOccupied, std::memory_order_acquire)) {
+      return before;
+    }
+    if (before & kOccupied) std::this_thread::yield();
+  }
+}
+
+void LogRing::Leave(Slot& slot, uint32_t state) noexcept {
+  std::atomic_ref(slot.state).store(state, std::memory_order_release);
 }
 
 uint64_t LogRing::Append(LogRecord record) noexcept {
-  record.thread_id = platform::ThreadId();
-  const std::lock_guard guard(lock_);
   if (capacity_ == 0) return 0;
-  if (static_cast<uint32_t>(++last_) == capacity_) last_ = 0;
-  full_ = full_ || static_cast<uint32_t>(last_) + 1 == capacity_;
-  record.stamp = platform::TickCount();  // under the lock, so that stamps never decrease along the ring
-  records_[last_] = record;
+  const uint64_t number = next_.fetch_add(1, std::memory_order_relaxed);
+  record.stamp = platform::TickCount();
+  record.thread_id = platform::ThreadId();
+
+  Slot& slot = slots_[number % capacity_];
+  const auto own = static_cast<uint32_t>(number / capacity_ * 2);
+  const uint32_t there = Enter(slot);
+  // Who was held up for a whole lap finds a newer record. Laps are compared modulo their range.
+  const bool newest = static_cast<int32_t>(own - there) >= 0;
+  if (newest) std::memcpy(slot.record, &record, sizeof(slot.record));
+  Leave(slot, newest ? own : there);
   return record.stamp;
 }
 
 std::vector<LogRecord> LogRing::Snapshot() const {
-  std::vector<LogRecord> snapshot;
-  snapshot.reserve(Capacity());  // so that writers of records need not wait for memory
-  const std::lock_guard guard(lock_);
-  const LogRecord* newest_end = records_ + (last_ + 1);
-  if (full_) snapshot.assign(newest_end, static_cast<const LogRecord*>(records_ + capacity_));
-  snapshot.insert(snapshot.end(), static_cast<const LogRecord*>(records_), newest_end);
-  return snapshot;
+  std::vector<LogRecord> records;
+  records.reserve(capacity_);
+  const uint64_t next = next_.load(std::memory_order_relaxed);
+  for (uint32_t i = 0; i < capacity_; ++i) {
+    Slot& slot = slots_[(next + i) % capacity_];  // from the oldest on
+    LogRecord record;
+    const uint32_t state = Enter(slot);
+    std::memcpy(static_cast<void*>(&record), slot.record, sizeof(slot.record));
+    Leave(slot, state);
+    if (record.stamp != 0) records.push_back(record);
+  }
+  // Writers stamp side by side, and may overtake each other between number and stamp.
+  std::ranges::stable_sort(records, {}, &LogRecord::stamp);
+  return records;
 }
 
 }  // namespace prismo::mp

@@ -1,42 +1,51 @@
 // The newest records of the diagnostic log, in a ring of fixed size.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <vector>
 
 #include "mp/log_record.h"
 
 namespace prismo::mp {
 
+// All workers record at the same moments, when a work begins and when it ends. So there is no lock for the
+// ring: a writer draws the number of its record, which says in which slot it goes, and shares only the slot,
+// a cache line of its own, with the one who comes a whole lap later and with readers.
 class LogRing {
  public:
   static constexpr uint32_t kMinCapacity = 100;
   static constexpr uint32_t kMaxCapacity = 10000;
 
-  LogRing() = default;
+  // Room for `records`, clamped to the limits above; for none if memory fails.
+  explicit LogRing(uint32_t records) noexcept;
   ~LogRing();
   LogRing(const LogRing&) = delete;
   LogRing& operator=(const LogRing&) = delete;
 
-  // Drops all records and makes room for `records`, clamped to the limits above; for none if memory fails.
-  void Allocate(uint32_t records) noexcept;
+  uint32_t Capacity() const noexcept { return capacity_; }
 
-  uint32_t Capacity() const;
-
-  // Stamps the record with the time and the calling thread, and stores it over the oldest one when the ring
-  // is full. Returns the stamp, or 0 when nothing was stored because there is no room for any.
+  // Stores the record with the time and the calling thread's number, over the oldest one when the ring is
+  // full. Returns the time stamp, or 0 when nothing was stored because there is no room for any.
   uint64_t Append(LogRecord record) noexcept;
 
-  // The records in the order in which they were made.
+  // The records in the order of their time stamps.
   std::vector<LogRecord> Snapshot() const;
 
  private:
-  mutable std::mutex lock_;  // guards everything below
-  LogRecord* records_ = nullptr;
-  uint32_t capacity_ = 0;
-  int32_t last_ = -1;  // position of the newest record; -1: empty
-  bool full_ = false;  // every position holds a record
+  struct Slot {
+    alignas(LogRecord) std::byte record[offsetof(LogRecord, unused)];  // a stamp of 0: none yet
+    uint32_t state;  // twice the lap of the record, plus 1 while somebody is at the slot
+  };
+  static_assert(sizeof(Slot) == sizeof(LogRecord));
+
+  static uint32_t Enter(Slot& slot) noexcept;  // returns the state before
+  static void Leave(Slot& slot, uint32_t state) noexcept;
+
+  Slot* const slots_;
+  const uint32_t capacity_;
+  alignas(64) std::atomic<uint64_t> next_{0};  // number of the next record
 };
 
 }  // namespace prismo::mp
