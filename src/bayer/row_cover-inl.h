@@ -115,6 +115,7 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
   if (end - begin < kLanes) return some(begin, 0, end - begin);
   size_t x = begin;
   if constexpr (kStores == StoreKind::kStreaming) {
+    sink.PrepareStore(end - 1);
     if (const size_t head = sink.PixelsToAlign(x); head > 0) {
       some(x, 0, head);
       x += head;

@@ -159,6 +159,9 @@ struct PackedSink {
 
   HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(At(x), kBytes); }
 
+  // Fetches the line of pixel x for a plain store to come: a store that misses would hold up those behind it.
+  HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(At(x), 1); }
+
  private:
   HWY_INLINE uint8_t* At(size_t x) const { return dst + kBytes * (x - first); }
 
@@ -180,7 +183,8 @@ struct PackedSink {
     };
     const uint64_t below_begin = _bzhi_u64(~uint64_t{0}, clip(begin));
     const uint64_t below_end = _bzhi_u64(~uint64_t{0}, clip(end));
-    _mm512_mask_storeu_epi8(to, below_end & ~below_begin, v.raw);
+    // Even an empty store would fetch a line that streaming stores own.
+    if (const uint64_t bytes = below_end & ~below_begin) _mm512_mask_storeu_epi8(to, bytes, v.raw);
   }
 #endif
 
@@ -232,6 +236,10 @@ struct PlanarSink {
     }
     return pixels;
   }
+
+  HWY_INLINE void PrepareStore(size_t x) const {
+    for (uint8_t* const p : plane) __builtin_prefetch(p + x - first, 1);
+  }
 };
 
 // One plane, of the second channel.
@@ -252,6 +260,7 @@ struct GreenSink {
   }
 
   HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(dst + x - first, 1); }
+  HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(dst + x - first, 1); }
 };
 
 }  // namespace prismo::HWY_NAMESPACE
