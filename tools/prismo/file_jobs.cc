@@ -1,0 +1,124 @@
+#include "file_jobs.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <iostream>
+#include <map>
+#include <mutex>
+#include <thread>
+
+#include "error.h"
+#include "terminal.h"
+
+namespace prismo::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+void RefuseToReplaceInput(const fs::path& input, const fs::path& output) {
+  std::error_code ignored;
+  if (fs::equivalent(input, output, ignored)) throw Error(output.string(), ": is the input itself");
+}
+
+std::vector<fs::path> NamesIn(const fs::path& folder, const std::vector<std::string>& inputs, FileKind kind) {
+  std::vector<fs::path> outputs;
+  std::map<fs::path, std::string> taken;
+  for (const std::string& input : inputs) {
+    const fs::path output = folder / (fs::path(input).stem().string() + ExtensionOf(kind));
+    const auto [other, is_new] = taken.emplace(output, input);
+    if (!is_new) throw Error(other->second, " and ", input, " would both be written to ", output.string());
+    outputs.push_back(output);
+  }
+  return outputs;
+}
+
+// One line on a terminal that says how far a batch is; messages go through it so that they do not mix.
+class Progress {
+ public:
+  explicit Progress(size_t total) : total_(total), shown_(ErrorOutputIsTerminal()) {}
+  ~Progress() { Clear(); }
+
+  void Finished(const std::string& line) {
+    const std::lock_guard lock(mutex_);
+    Clear();
+    std::cout << line << std::endl;
+    Advance();
+  }
+
+  void Failed(const std::string& message) {
+    const std::lock_guard lock(mutex_);
+    Clear();
+    std::cerr << "prismo: " << message << std::endl;
+    ++failed_;
+    Advance();
+  }
+
+  size_t failed() const { return failed_; }
+
+ private:
+  void Clear() {
+    if (shown_) std::cerr << "\r\033[K" << std::flush;
+  }
+  void Advance() {
+    ++done_;
+    if (shown_ && done_ < total_) std::cerr << done_ << " of " << total_ << " files" << std::flush;
+  }
+
+  std::mutex mutex_;
+  size_t total_, done_ = 0, failed_ = 0;
+  bool shown_;
+};
+
+}  // namespace
+
+bool FileJobs::ToFolder() const {
+  return inputs.size() > 1 || fs::is_directory(output) || output.ends_with('/') || output.ends_with('\\');
+}
+
+void FileJobs::Run(FileKind default_kind, int parallel, const Job& job) const {
+  if (ToFolder()) return RunInFolder(default_kind, parallel, job);
+  RefuseToReplaceInput(inputs.front(), output);
+  const std::string line = job(inputs.front(), output, KindOfOutput(output, kind_name));
+  (IsStandardOutput(output) ? std::cerr : std::cout) << line << '\n';
+}
+
+void FileJobs::RunInFolder(FileKind default_kind, int parallel, const Job& job) const {
+  const FileKind kind = kind_name.empty() ? default_kind : KindOfOutput({}, kind_name);
+  const fs::path folder = output;
+  std::error_code error;
+  if (fs::exists(folder) && !fs::is_directory(folder)) {
+    throw Error(output, ": is not a folder, and ", inputs.size(), " files do not fit into one");
+  }
+  fs::create_directories(folder, error);
+  if (error) throw Error(output, ": cannot be made: ", error.message());
+
+  const std::vector<fs::path> outputs = NamesIn(folder, inputs, kind);
+  const auto start = std::chrono::steady_clock::now();
+  Progress progress(inputs.size());
+  std::atomic<size_t> next = 0;
+  const auto work = [&] {
+    for (size_t i = next++; i < inputs.size(); i = next++) {
+      try {
+        RefuseToReplaceInput(inputs[i], outputs[i]);
+        progress.Finished(job(inputs[i], outputs[i], kind));
+      } catch (const Error& failure) {
+        progress.Failed(failure.what());
+      } catch (const std::exception& failure) {
+        progress.Failed(inputs[i] + ": " + failure.what());
+      }
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 1; i < std::min<int>(parallel, static_cast<int>(inputs.size())); ++i)
+    threads.emplace_back(work);
+  work();
+  for (std::thread& thread : threads) thread.join();
+
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  const size_t written = inputs.size() - progress.failed();
+  std::cout << written << " of " << inputs.size() << " files written in " << seconds.count() << " s\n";
+  if (progress.failed()) throw Error(progress.failed(), " of ", inputs.size(), " files failed");
+}
+
+}  // namespace prismo::tool

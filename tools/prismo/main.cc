@@ -1,0 +1,40 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "commands.h"
+#include "error.h"
+#include "options.h"
+#include "output_file.h"
+
+namespace prismo::tool {
+namespace {
+
+int Run(int argc, char** argv) {
+  RemoveScratchFilesOnSignals();
+  CLI::App app("Raw frames of industrial cameras: describe, convert, compare, make.", "prismo");
+  app.require_subcommand(1);
+  AddFormatsCommand(app);
+  AddInfoCommand(app);
+  AddConvertCommand(app);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& help) {
+    app.exit(help);
+  } catch (const CLI::Error& error) {
+    std::cerr << "prismo: " << error.what() << " (prismo --help, prismo COMMAND --help)\n";
+    return kExitUsage;
+  } catch (const std::exception& error) {
+    std::cerr << "prismo: " << error.what() << '\n';
+    return kExitFailure;
+  }
+  if (!std::cout.flush()) {
+    std::cerr << "prismo: standard output: writing failed\n";
+    return kExitFailure;
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace prismo::tool
+
+int main(int argc, char** argv) { return prismo::tool::Run(argc, argv); }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "frame.h"
+
+namespace prismo::tool {
+
+// Any PNG, reduced to 8 bits: grey ones to 1 channel, all others to B, G, R. Stored values are not
+// colour-managed.
+Picture ReadPng(const std::filesystem::path& path);
+
+// `path` is the file to write, `name` the one to name in errors.
+void WritePng(const Picture& picture, const std::string& path, const std::string& name);
+
+}  // namespace prismo::tool

@@ -1,0 +1,145 @@
+#include "raw_input.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <fstream>
+
+#include "PrismoUtl.h"
+#include "error.h"
+
+namespace prismo::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint64_t kRwhHeaderBytes = 16;
+
+std::ifstream OpenForReading(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw Error(path.string(), ": cannot be opened: ", std::strerror(errno));
+  return file;
+}
+
+uint32_t LittleEndian32(const unsigned char* bytes) {
+  return bytes[0] | uint32_t{bytes[1]} << 8 | uint32_t{bytes[2]} << 16 | uint32_t{bytes[3]} << 24;
+}
+
+std::string Describe(const Format& format, uint64_t width, uint64_t height) {
+  return Text(format.name, " ", width, "x", height);
+}
+
+void CheckSize(const fs::path& path, const FrameHeader& header) {
+  const uint64_t pixels = uint64_t{header.width} * header.height;
+  if (pixels == 0) throw Error(path.string(), ": a frame of ", header.width, "x", header.height, " is empty");
+  if (pixels > kMaxPixels) {
+    throw Error(path.string(), ": a frame of ", header.width, "x", header.height,
+                " is larger than the largest that is handled (", kMaxPixels, " pixels)");
+  }
+}
+
+void CheckLength(const fs::path& path, const FrameHeader& header, uint64_t length) {
+  const uint64_t expected = header.data_offset + header.DataBytes();
+  if (length == expected) return;
+  throw Error(path.string(), ": ", Describe(*header.format, header.width, header.height),
+              header.data_offset ? " behind a header takes " : " takes ", expected,
+              " bytes, but the file has ", length,
+              length < expected ? Text(" (", expected - length, " too few)")
+                                : Text(" (", length - expected, " too many)"));
+}
+
+FrameHeader ExamineRwh(const fs::path& path, uint64_t length) {
+  std::array<unsigned char, kRwhHeaderBytes> bytes{};
+  if (length < bytes.size()) {
+    throw Error(path.string(), ": a raw frame file begins with ", bytes.size(),
+                " header bytes, but the file has ", length);
+  }
+  std::ifstream file = OpenForReading(path);
+  if (!file.read(reinterpret_cast<char*>(bytes.data()), bytes.size())) {
+    throw Error(path.string(), ": reading failed");
+  }
+  const uint32_t code = LittleEndian32(&bytes[0]);
+  const FrameHeader header{FormatByCode(code), LittleEndian32(&bytes[4]), LittleEndian32(&bytes[8]),
+                           kRwhHeaderBytes};
+  const uint32_t row_bytes = LittleEndian32(&bytes[12]);
+  if (!header.format) {
+    throw Error(path.string(), ": the header names the unknown pixel format 0x", std::hex, code,
+                " (a headerless dump needs --size and --format)");
+  }
+  CheckSize(path, header);
+  if (row_bytes != RowBytes(*header.format, header.width)) {
+    throw Error(path.string(), ": a row of ", Describe(*header.format, header.width, header.height), " has ",
+                RowBytes(*header.format, header.width), " bytes, but the header says ", row_bytes);
+  }
+  return header;
+}
+
+bool NamesRwh(const fs::path& path) { return path.extension() == ".rwh" || path.extension() == ".RWH"; }
+
+}  // namespace
+
+Size ParseSize(const std::string& text) {
+  Size size{};
+  const char* end = text.data() + text.size();
+  const auto width = std::from_chars(text.data(), end, size.width);
+  if (width.ec == std::errc() && width.ptr != end && (*width.ptr == 'x' || *width.ptr == 'X')) {
+    const auto height = std::from_chars(width.ptr + 1, end, size.height);
+    if (height.ec == std::errc() && height.ptr == end) return size;
+  }
+  throw Error("a size is WIDTHxHEIGHT, for example 1920x1080, not '", text, "'");
+}
+
+uint64_t LengthOfFile(const fs::path& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (!fs::exists(status)) throw Error(path.string(), ": no such file");
+  if (fs::is_directory(status)) throw Error(path.string(), ": is a folder");
+  if (!fs::is_regular_file(status)) throw Error(path.string(), ": is not a regular file");
+  const uint64_t length = fs::file_size(path, error);
+  if (error) throw Error(path.string(), ": ", error.message());
+  return length;
+}
+
+FrameHeader ExamineFrame(const fs::path& path, const DumpLayout& layout) {
+  const uint64_t length = LengthOfFile(path);
+  const bool described = layout.size || layout.format;
+  if (!NamesRwh(path) && described && !(layout.size && layout.format)) {
+    throw Error(path.string(), ": a headerless dump needs both --size and --format");
+  }
+  FrameHeader header{};
+  if (NamesRwh(path) || !described) {
+    header = ExamineRwh(path, length);
+    const bool agrees =
+        (!layout.format || layout.format == header.format) &&
+        (!layout.size || (layout.size->width == header.width && layout.size->height == header.height));
+    if (!agrees) {
+      throw Error(path.string(), ": the header says ", Describe(*header.format, header.width, header.height),
+                  ", which is not what the command line says");
+    }
+  } else {
+    header = {layout.format, layout.size->width, layout.size->height, 0};
+    CheckSize(path, header);
+  }
+  CheckLength(path, header, length);
+  return header;
+}
+
+Frame ReadFrame(const fs::path& path, const DumpLayout& layout) {
+  const FrameHeader header = ExamineFrame(path, layout);
+  Frame frame{header.format, header.width, header.height, std::vector<uint8_t>(header.DataBytes())};
+  if (header.data_offset) {
+    uint8_t* buffer = frame.bytes.data();
+    Check(LoadRWH(path.string().c_str(), &buffer, nullptr, nullptr, nullptr, nullptr),
+          path.string() + ": loading");
+  } else {
+    std::ifstream file = OpenForReading(path);
+    if (!file.read(reinterpret_cast<char*>(frame.bytes.data()),
+                   static_cast<std::streamsize>(frame.bytes.size()))) {
+      throw Error(path.string(), ": reading failed");
+    }
+  }
+  return frame;
+}
+
+}  // namespace prismo::tool

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace prismo::tool {
+
+bool ErrorOutputIsTerminal();
+
+}  // namespace prismo::tool
