@@ -6,8 +6,9 @@
 #define HWY_TARGET_INCLUDE "convert/convert_rows.cc"
 #include "hwy/foreach_target.h"
 // After foreach_target.h.
+#include "convert/sources-inl.h"
+#include "convert/yuv_sources-inl.h"
 #include "hwy/highway.h"
-#include "simd/samples-inl.h"
 #include "simd/sinks-inl.h"
 #include "simd/target_tables.h"
 
@@ -15,68 +16,178 @@ HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
 namespace {
 
-// A source loads one block of pixels as three vectors of bytes.
-struct Mono8Source {
+// Sinks as a run needs them: At moves along the run, Scratch takes a block that is not whole.
+struct GreySink {
   static constexpr size_t kPixelBytes = 1;
-  explicit Mono8Source(uint32_t) {}
+  uint8_t* dst;
 
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
-    b = g = r = hn::LoadU(D8(), src);
+  template <StoreKind kStores>
+  HWY_INLINE void Store(size_t x, V8 b, V8, V8) const {
+    Put<kStores>(b, D8(), dst + x);
   }
 };
 
-struct MonoNSource {
-  static constexpr size_t kPixelBytes = 2;
-  int shift;
-  // Shifts are taken modulo 32; from 16 on nothing is left of a word.
-  explicit MonoNSource(uint32_t s) : shift(static_cast<int>(s & 31)) {}
+template <class Sink>
+HWY_INLINE Sink At(const Sink& sink, size_t x) {
+  return {sink.dst + Sink::kPixelBytes * x};
+}
 
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
-    b = g = r = LoadShiftedWords(src, shift);
+HWY_INLINE PlanarSink At(const PlanarSink& sink, size_t x) {
+  return {{sink.plane[0] + x, sink.plane[1] + x, sink.plane[2] + x}};
+}
+
+template <class Sink, size_t kPixels>
+struct Scratch {
+  HWY_ALIGN uint8_t bytes[Sink::kPixelBytes * kPixels];
+
+  Sink sink() { return {bytes}; }
+  void CopyTo(const Sink& to, size_t pixels) const { std::memcpy(to.dst, bytes, Sink::kPixelBytes * pixels); }
+};
+
+template <size_t kPixels>
+struct Scratch<PlanarSink, kPixels> {
+  HWY_ALIGN uint8_t bytes[3][kPixels];
+
+  PlanarSink sink() { return {{bytes[0], bytes[1], bytes[2]}}; }
+  void CopyTo(const PlanarSink& to, size_t pixels) const {
+    for (size_t i = 0; i < 3; ++i) std::memcpy(to.plane[i], bytes[i], pixels);
   }
 };
+
+// Streaming stores fill whole cache lines, and a line that has seen one is not touched again: what comes
+// before the first and after the last whole line of a run is stored plainly.
+constexpr size_t kLineBytes = 64;
+constexpr size_t kStreamPixels = 64;  // of any size they fill whole lines
+
+bool IsLine(const uint8_t* to) { return reinterpret_cast<uintptr_t>(to) % kLineBytes == 0; }
+
+template <class Sink>
+bool StartsLine(const Sink& sink) {
+  return IsLine(sink.dst);
+}
+bool StartsLine(const PlanarSink& sink) {
+  return IsLine(sink.plane[0]) && IsLine(sink.plane[1]) && IsLine(sink.plane[2]);
+}
+
+// Pixels, in whole groups, before a line starts; `pixels` when none does.
+template <class Source, class Sink>
+size_t PixelsToLine(const Sink& sink, size_t pixels) {
+  for (size_t x = 0; x < std::min(pixels, kLineBytes); x += Source::kGroup.pixels) {
+    if (StartsLine(At(sink, x))) return x;
+  }
+  return pixels;
+}
+
+// One block of pixels from a source to a sink.
+template <class Source, class Sink>
+struct Block {
+  template <StoreKind kStores>
+  static HWY_INLINE void Convert(const Source& source, const uint8_t* src, const Sink& sink) {
+    if constexpr (requires { source.template Convert<kStores>(src, sink); }) {
+      source.template Convert<kStores>(src, sink);
+    } else {
+      V8 b, g, r;
+      source.Load(src, b, g, r);
+      sink.template Store<kStores>(0, b, g, r);
+    }
+  }
+};
+
+template <size_t kBytes>
+struct CopyBlock {
+  template <StoreKind kStores, class Source>
+  static HWY_INLINE void Convert(const Source&, const uint8_t* src, const PackedSink<kBytes>& sink) {
+    for (size_t i = 0; i < kBytes; ++i) {
+      Put<kStores>(hn::LoadU(D8(), src + kLanes * i), D8(), sink.dst + kLanes * i);
+    }
+  }
+};
+template <>
+struct Block<Bgr8Source, BgrSink> : CopyBlock<3> {};
+template <>
+struct Block<Bgra8Source, BgraSink> : CopyBlock<4> {};
+
+template <class Source, class Sink, StoreKind kStores>
+HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src, size_t pixels) {
+  using ThisBlock = Block<Source, Sink>;
+  const auto plain = [&](size_t x, size_t end) PRISMO_INLINE {
+    for (; x + Source::kBlockPixels <= end; x += Source::kBlockPixels) {
+      ThisBlock::template Convert<StoreKind::kCached>(source, src + Source::kGroup.Bytes(x), At(sink, x));
+    }
+    if (x == end) return;
+    HWY_ALIGN uint8_t in[Source::kGroup.Bytes(Source::kBlockPixels)] = {};
+    Scratch<Sink, Source::kBlockPixels> out;
+    std::memcpy(in, src + Source::kGroup.Bytes(x), Source::kGroup.Bytes(end - x));
+    ThisBlock::template Convert<StoreKind::kCached>(source, in, out.sink());
+    out.CopyTo(At(sink, x), end - x);
+  };
+
+  if constexpr (kStores == StoreKind::kCached) {
+    plain(0, pixels);
+  } else {
+    size_t x = PixelsToLine<Source>(sink, pixels);
+    plain(0, x);
+    for (; x + kStreamPixels <= pixels; x += kStreamPixels) {
+      for (size_t i = 0; i < kStreamPixels; i += Source::kBlockPixels) {
+        ThisBlock::template Convert<kStores>(source, src + Source::kGroup.Bytes(x + i), At(sink, x + i));
+      }
+    }
+    plain(x, pixels);
+  }
+}
 
 template <class Source, class Sink, StoreKind kStores>
 void Run(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t shift) {
-  const Source source(shift);
-  const Sink sink{dst};
-  const auto some = [&](size_t x, size_t count) PRISMO_INLINE {
-    HWY_ALIGN uint8_t block[Source::kPixelBytes * kLanes] = {};
-    std::memcpy(block, src + Source::kPixelBytes * x, Source::kPixelBytes * count);
-    V8 b, g, r;
-    source.Load(block, b, g, r);
-    sink.StoreSome(x, 0, count, b, g, r);
-  };
-
-  size_t x = 0;
-  if constexpr (kStores == StoreKind::kStreaming) {
-    x = sink.PixelsToAlign(0);
-    if (x >= std::min(pixels, kLanes)) return Run<Source, Sink, StoreKind::kCached>(dst, src, pixels, shift);
-    if (x > 0) some(0, x);
-  }
-  for (; x + kLanes <= pixels; x += kLanes) {
-    V8 b, g, r;
-    source.Load(src + Source::kPixelBytes * x, b, g, r);
-    sink.template Store<kStores>(x, b, g, r);
-  }
-  if (x < pixels) some(x, pixels - x);
-  simd::FinishStores(kStores);
+  RunTo<Source, Sink, kStores>(Source(shift), Sink{dst}, src, pixels);
 }
 
-template <class S>
-constexpr void Fill(ConvertKernels& kernels, prismo::Source source) {
-  auto& run = kernels.run[static_cast<size_t>(source)];
-  run[0][0] = &Run<S, BgraSink, StoreKind::kCached>;
-  run[0][1] = &Run<S, BgraSink, StoreKind::kStreaming>;
-  run[1][0] = &Run<S, BgrSink, StoreKind::kCached>;
-  run[1][1] = &Run<S, BgrSink, StoreKind::kStreaming>;
+template <StoreKind kStores>
+void Split(uint8_t* const planes[3], const uint8_t* src, size_t pixels) {
+  RunTo<Bgr8Source, PlanarSink, kStores>(Bgr8Source(0), PlanarSink{{planes[0], planes[1], planes[2]}}, src,
+                                         pixels);
 }
+
+struct TableMaker {
+  ConvertKernels kernels{};
+
+  template <class S, class... Sinks>
+  constexpr void Fill(prismo::Source source) {
+    auto& run = kernels.run[static_cast<size_t>(source)];
+    (FillSink<S, Sinks>(run[static_cast<size_t>(kPixelsOf<Sinks>)]), ...);
+  }
+
+ private:
+  template <class Sink>
+  static constexpr Pixels kPixelsOf = Sink::kPixelBytes == 4   ? Pixels::kBgra
+                                      : Sink::kPixelBytes == 3 ? Pixels::kBgr
+                                                               : Pixels::kGrey;
+
+  template <class S, class Sink>
+  static constexpr void FillSink(ConvertRun (&run)[2]) {
+    run[static_cast<size_t>(StoreKind::kCached)] = &Run<S, Sink, StoreKind::kCached>;
+    run[static_cast<size_t>(StoreKind::kStreaming)] = &Run<S, Sink, StoreKind::kStreaming>;
+  }
+};
 
 constexpr ConvertKernels MakeTable() {
-  ConvertKernels kernels{};
-  Fill<Mono8Source>(kernels, prismo::Source::kMono8);
-  Fill<MonoNSource>(kernels, prismo::Source::kMonoN);
-  return kernels;
+  using enum prismo::Source;
+  TableMaker table;
+  table.Fill<Mono8Source, BgraSink, BgrSink>(kMono8);
+  table.Fill<MonoNSource, BgraSink, BgrSink, GreySink>(kMonoN);
+  table.Fill<MonoNSpillSource, BgraSink>(kMonoNSpill);
+  table.Fill<Rgb8Source, BgraSink, BgrSink>(kRgb8);
+  table.Fill<Bgr8Source, BgraSink, BgrSink>(kBgr8);
+  table.Fill<Bgra8Source, BgraSink, BgrSink>(kBgra8);
+  table.Fill<RgbNSource, BgraSink, BgrSink>(kRgbN);
+  table.Fill<BgrNSource, BgraSink, BgrSink>(kBgrN);
+  table.Fill<SpillSource<RgbNSource>, BgraSink>(kRgbNSpill);
+  table.Fill<SpillSource<BgrNSource>, BgraSink>(kBgrNSpill);
+  table.Fill<Yuv411Source, BgraSink, BgrSink>(kYuv411);
+  table.Fill<Yuv422Source, BgraSink, BgrSink>(kYuv422);
+  table.Fill<Yuv444Source, BgraSink, BgrSink>(kYuv444);
+  table.kernels.split[static_cast<size_t>(StoreKind::kCached)] = &Split<StoreKind::kCached>;
+  table.kernels.split[static_cast<size_t>(StoreKind::kStreaming)] = &Split<StoreKind::kStreaming>;
+  return table.kernels;
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "core/status.h"
+
 namespace prismo {
 
 struct Settings {
@@ -17,6 +19,15 @@ inline constinit Settings settings;
 
 inline int32_t ProcessingMode() { return settings.processing_mode.load(std::memory_order_relaxed); }
 inline int32_t BayerMode() { return settings.bayer_mode.load(std::memory_order_relaxed); }
+
+inline Status SetProcessingMode(int32_t mode) {
+  settings.processing_mode.store(mode, std::memory_order_relaxed);
+  return Status::kSuccess;
+}
+inline Status SetBayerMode(int32_t mode) {
+  settings.bayer_mode.store(mode, std::memory_order_relaxed);
+  return Status::kSuccess;
+}
 
 // Which values of the processing mode select the pool differs between entry points, by design.
 inline bool PoolWhenModeIsOne() { return ProcessingMode() == 1; }

@@ -15,11 +15,15 @@ HWY_INLINE V16 ShiftRightWords(V16 v, int shift) {
   return shift < 16 ? hn::ShiftRightSame(v, shift) : hn::Zero(D16());
 }
 
-HWY_INLINE V16 LoadWords(const uint8_t* src) {
-  HWY_ALIGN uint16_t words[hn::MaxLanes(D16())];
+// Vectors of words, from anywhere.
+template <class D>
+HWY_INLINE hn::Vec<D> LoadWords(D d, const uint8_t* src) {
+  HWY_ALIGN uint16_t words[hn::MaxLanes(d)];
   std::memcpy(words, src, sizeof(words));
-  return hn::Load(D16(), words);
+  return hn::Load(d, words);
 }
+
+HWY_INLINE V16 LoadWords(const uint8_t* src) { return LoadWords(D16(), src); }
 
 // One block of 16-bit samples, shifted (0 to 31) and cut to their low 8 bits.
 HWY_INLINE V8 LoadShiftedWords(const uint8_t* src, int shift) {

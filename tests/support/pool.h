@@ -48,11 +48,8 @@ inline std::vector<int32_t> ThreadCounts() {
 // A work that holds an empty block never counts as finished: such calls wait for the whole time-out.
 inline constexpr uint32_t kShortTimeout = 50;
 
-// False when another test ran in this process before: tables that were built stay built.
-inline bool FreshProcess() {
-  const testing::UnitTest& run = *testing::UnitTest::GetInstance();
-  return run.successful_test_count() + run.failed_test_count() + run.skipped_test_count() == 0;
-}
+// False when this process runs other tests too: tables that were built stay built.
+inline bool FreshProcess() { return testing::UnitTest::GetInstance()->test_to_run_count() == 1; }
 
 #define PRISMO_NEEDS_FRESH_PROCESS() \
   if (!::prismo::test::FreshProcess()) GTEST_SKIP() << "needs a process of its own, as ctest gives it"

@@ -1,0 +1,117 @@
+#include "convert/convert_job.h"
+
+#include <cstring>
+
+#include "convert/tables.h"
+#include "mp/engine.h"
+
+namespace prismo {
+namespace {
+
+// What tables that were never built give.
+template <size_t kPixelBytes>
+void ZeroRun(uint8_t* dst, const uint8_t*, size_t pixels, uint32_t) {
+  std::memset(dst, 0, kPixelBytes * pixels);
+}
+
+ConvertRun RunFor(const Conversion& conversion, simd::StoreKind stores) {
+  const bool bgra = conversion.layout == Layout::kBgra;
+  if (conversion.tables != TableUse::kNone && !TablesBuilt()) return bgra ? &ZeroRun<4> : &ZeroRun<3>;
+  return ConvertRunFor(conversion.source, bgra ? Pixels::kBgra : Pixels::kBgr, stores);
+}
+
+}  // namespace
+
+size_t SourceRowBytes(Source source, uint32_t width) {
+  const PixelGroup group = GroupOf(source);
+  return size_t{width} * group.bytes / group.pixels;
+}
+
+void ConvertJob::Rows(RowRange range) const {
+  if (range.count <= 0) return;
+  uint8_t* to = dst + dst_pitch * static_cast<size_t>(range.first);
+  const uint8_t* from = src + src_pitch * static_cast<size_t>(range.first);
+  if (one_run) {
+    run(to, from, row_pixels * static_cast<size_t>(range.count), shift);
+  } else {
+    for (int32_t i = 0; i < range.count; ++i, to += dst_pitch, from += src_pitch) {
+      run(to, from, row_pixels, shift);
+      std::memset(to + row_bytes, 0, pad_bytes);
+    }
+  }
+  simd::FinishStores(stores);
+}
+
+ConvertJob RunJob(const Conversion& conversion, void* dst, const void* src, size_t pixels) {
+  const PixelGroup group = GroupOf(conversion.source);
+  const size_t run_pixels = pixels / group.pixels * group.pixels;
+  const size_t dst_bytes = PixelBytes(conversion.layout) * run_pixels;
+  const simd::StoreKind stores = simd::StoreKindFor(group.Bytes(run_pixels) + dst_bytes);
+  return {.dst = static_cast<uint8_t*>(dst),
+          .src = static_cast<const uint8_t*>(src),
+          .dst_pitch = dst_bytes,
+          .src_pitch = group.Bytes(run_pixels),
+          .row_pixels = run_pixels,
+          .row_bytes = dst_bytes,
+          .pad_bytes = 0,
+          .one_run = true,
+          .stores = stores,
+          .shift = conversion.shift,
+          .run = RunFor(conversion, stores)};
+}
+
+ConvertJob RowsJob(const Conversion& conversion, void* dst, const void* src, FrameSize size) {
+  const PixelGroup group = GroupOf(conversion.source);
+  const size_t src_pitch = SourceRowBytes(conversion.source, size.width);
+  const size_t dst_pitch = RowBytes(conversion.layout, size.width);
+  const size_t pixel_bytes = PixelBytes(conversion.layout);
+  const auto pad_bytes = static_cast<uint32_t>(dst_pitch - pixel_bytes * size.width);
+  const size_t row_pixels = size.width / group.pixels * group.pixels;
+  const simd::StoreKind stores = simd::StoreKindFor((src_pitch + dst_pitch) * size.height);
+  return {.dst = static_cast<uint8_t*>(dst),
+          .src = static_cast<const uint8_t*>(src),
+          .dst_pitch = dst_pitch,
+          .src_pitch = src_pitch,
+          .row_pixels = row_pixels,
+          .row_bytes = pixel_bytes * row_pixels,
+          .pad_bytes = pad_bytes,
+          .one_run = pad_bytes == 0,
+          .stores = stores,
+          .shift = conversion.shift,
+          .run = RunFor(conversion, stores)};
+}
+
+Status ConvertOnCaller(const Conversion& conversion, void* dst, const void* src, FrameSize size) {
+  if (!dst || !src) return Status::kInvalidParameter;
+  if (conversion.tables == TableUse::kBuild) EnsureTables();
+  if (size.Empty()) return Status::kSuccess;
+  if (PixelBytes(conversion.layout) * size.width == RowBytes(conversion.layout, size.width)) {
+    RunJob(conversion, dst, src, size.Area()).Rows({0, 1});
+  } else {
+    ConvertJob job = RowsJob(conversion, dst, src, size);
+    // Seen only where a row is no whole number of groups: here rows move up, on the pool they stay apart.
+    job.dst_pitch = job.row_bytes + job.pad_bytes;
+    job.Rows({0, static_cast<int32_t>(size.height)});
+  }
+  return Status::kSuccess;
+}
+
+Status ConvertOnPool(const PoolForm& form, void* dst, const void* src, FrameSize size) {
+  using enum mp::LogKind;
+  const Conversion& conversion = form.conversion;
+  mp::LogConversion(form.entry, kStarted, mp::LogLevel::kInfo);
+  if (!dst || !src) return Status::kInvalidParameter;
+  if (size.Empty()) {
+    mp::LogConversion(form.entry, kWarning, mp::LogLevel::kWarn, size.width, size.height);
+    return Status::kSuccess;
+  }
+  if (conversion.tables == TableUse::kBuild) EnsureTables();
+  const auto dst_stride = static_cast<uint32_t>(RowBytes(conversion.layout, size.width));
+  return mp::RunOnPool(
+      mp::WholeWidth(0, size.height - 1, src, size.width, size.height, form.src_bytes_per_pixel,
+                     form.src_stride, dst, static_cast<uint32_t>(PixelBytes(conversion.layout)), dst_stride,
+                     conversion.shift, 0, 2),
+      RowsJob(conversion, dst, src, size), form.worker);
+}
+
+}  // namespace prismo
