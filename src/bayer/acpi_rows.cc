@@ -65,7 +65,7 @@ HWY_INLINE VSite AtGreen(VSite green, VSite a, VSite b, VSite a_green, VSite b_g
 }
 
 template <bool kBorder>
-HWY_INLINE V8 GreenBlock(const uint8_t* const (&lines)[5], size_t x, uint32_t width, bool starts_green) {
+HWY_INLINE V8 GreenBlock(const uint8_t* const (&lines)[5], size_t x, uint32_t width, auto starts_green) {
   const size_t first = FirstSite(starts_green);
   const uint8_t* const mid = lines[2] + first;
   const VSite own = Sites(mid);
@@ -90,16 +90,16 @@ void Green(const GreenLines& info, const BayerRow& row, uint8_t* greens) {
   const GreenSink sink{greens, 0};
   CoverRow<StoreKind::kCached>(
       lines, 4, row, ColumnRange{2, row.width - 2}, sink,
-      [&](const uint8_t* const(&at)[5], size_t x, bool starts_green, V8&, V8& green, V8&)
+      [&](const uint8_t* const(&at)[5], size_t x, auto starts_green, V8&, V8& green, V8&)
           PRISMO_INLINE { green = GreenBlock<false>(at, x, row.width, starts_green); },
-      [&](const uint8_t* const(&at)[5], size_t x, bool starts_green, V8&, V8& green, V8&)
+      [&](const uint8_t* const(&at)[5], size_t x, auto starts_green, V8&, V8& green, V8&)
           PRISMO_INLINE { green = GreenBlock<true>(at, x, row.width, starts_green); });
 }
 
 // `lines`: raw rows above, of and below the block, then the greens of the same rows.
 template <bool kBorder>
 HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, uint32_t width, ColumnRange adaptive,
-                            bool starts_green, V8& row_colour, V8& green, V8& other_colour) {
+                            auto starts_green, V8& row_colour, V8& green, V8& other_colour) {
   const size_t at_green = FirstSite(!starts_green);
   const size_t at_other = FirstSite(starts_green);
   const auto site = [&](size_t line, size_t first, ptrdiff_t dx)
@@ -151,11 +151,11 @@ void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& targe
                                    info.greens[0], info.greens[1], info.greens[2]};
   CoverRow<kStores>(
       lines, 2, row, info.adaptive, sink,
-      [&](const uint8_t* const(&at)[6], size_t x, bool starts_green, V8& row_colour, V8& green,
+      [&](const uint8_t* const(&at)[6], size_t x, auto starts_green, V8& row_colour, V8& green,
           V8& other_colour) PRISMO_INLINE {
         ColourBlock<false>(at, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);
       },
-      [&](const uint8_t* const(&at)[6], size_t x, bool starts_green, V8& row_colour, V8& green,
+      [&](const uint8_t* const(&at)[6], size_t x, auto starts_green, V8& row_colour, V8& green,
           V8& other_colour) PRISMO_INLINE {
         ColourBlock<true>(at, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);
       });

@@ -8,6 +8,7 @@
 #endif
 
 #include <algorithm>
+#include <type_traits>
 
 #include "bayer/bayer_row.h"
 #include "hwy/cache_control.h"
@@ -125,9 +126,8 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
   for (; x < inner_begin && x + kLanes <= end; x += kLanes) whole(x);
   const size_t inner_end =
       std::min<size_t>({inner_columns.end, row.width - std::min<size_t>(row.width, kReadAfter), end});
-  bool starts_green = StartsGreen(row.role, x);
-  for (; x + kLanes <= inner_end; x += kLanes) {
-    if constexpr (kLanes == 1) starts_green = StartsGreen(row.role, x);
+  // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
+  const auto inner_block = [&](auto starts_green) PRISMO_INLINE {
     const T* at_x[kLines];
     for (size_t i = 0; i < kLines; ++i) at_x[i] = lines[i] + x;
     if constexpr (kStores == StoreKind::kStreaming) {
@@ -136,6 +136,13 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
     V8 row_colour, green, other_colour;
     inner(at_x, x, starts_green, row_colour, green, other_colour);
     store(x, row_colour, green, other_colour);
+  };
+  if constexpr (kLanes == 1) {
+    for (; x + kLanes <= inner_end; x += kLanes) inner_block(StartsGreen(row.role, x));
+  } else if (StartsGreen(row.role, x)) {
+    for (; x + kLanes <= inner_end; x += kLanes) inner_block(std::true_type());
+  } else {
+    for (; x + kLanes <= inner_end; x += kLanes) inner_block(std::false_type());
   }
   for (; x + kLanes <= end; x += kLanes) whole(x);
   if (x == end) return;

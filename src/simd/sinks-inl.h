@@ -142,19 +142,12 @@ struct PackedSink {
     StoreTo<kStores>(At(x), b, g, r);
   }
 
-  // Writes lanes from .. from + count - 1 of a block whose lane 0 is pixel x.
+  // Writes lanes from .. from + count - 1 of a block whose lane 0 is pixel x. Not by a masked store: it
+  // fetches lines that it writes nothing to, which streaming stores own.
   HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8 b, V8 g, V8 r) const {
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-    V8 v[4];
-    Interleave(b, g, r, v);
-    const size_t begin = kBytes * from;
-    const size_t end = kBytes * (from + count);
-    for (size_t i = 0; i < kBytes; ++i) StoreBytes(v[i], At(x) + kLanes * i, begin, end, kLanes * i);
-#else
     HWY_ALIGN uint8_t block[kBytes * kLanes];
     StoreTo<StoreKind::kCached>(block, b, g, r);
     std::memcpy(At(x + from), block + kBytes * from, kBytes * count);
-#endif
   }
 
   HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(At(x), kBytes); }
@@ -172,19 +165,6 @@ struct PackedSink {
     } else {
       Interleave3(b, g, r, v[0], v[1], v[2]);
     }
-  }
-#endif
-
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-  // Bytes [begin, end) of a block of which `v` is the vector from byte `first` on.
-  static HWY_INLINE void StoreBytes(V8 v, uint8_t* to, size_t begin, size_t end, size_t first) {
-    const auto clip = [&](size_t byte) PRISMO_INLINE {
-      return static_cast<unsigned>(byte <= first ? 0 : byte - first >= kLanes ? kLanes : byte - first);
-    };
-    const uint64_t below_begin = _bzhi_u64(~uint64_t{0}, clip(begin));
-    const uint64_t below_end = _bzhi_u64(~uint64_t{0}, clip(end));
-    // Even an empty store would fetch a line that streaming stores own.
-    if (const uint64_t bytes = below_end & ~below_begin) _mm512_mask_storeu_epi8(to, bytes, v.raw);
   }
 #endif
 
