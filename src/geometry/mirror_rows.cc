@@ -1,0 +1,350 @@
+#include "geometry/mirror_rows.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "geometry/mirror_rows.cc"
+#include "hwy/cache_control.h"
+#include "hwy/foreach_target.h"
+// After foreach_target.h.
+#include "hwy/highway.h"
+#include "simd/target_tables.h"
+#include "simd/vectors-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace prismo::HWY_NAMESPACE {
+namespace {
+
+// Byte i of a mirrored unit is byte kOrder[i] of the unit.
+struct ByteUnit {
+  static constexpr uint8_t kOrder[] = {0};
+};
+struct WordUnit {
+  static constexpr uint8_t kOrder[] = {0, 1};
+};
+struct Bytes3Unit {
+  static constexpr uint8_t kOrder[] = {0, 1, 2};
+};
+struct Yuv422Unit {
+  static constexpr uint8_t kOrder[] = {0, 3, 2, 1};
+};
+struct Yuv411Unit {
+  static constexpr uint8_t kOrder[] = {0, 5, 4, 3, 2, 1};
+};
+struct Words3Unit {
+  static constexpr uint8_t kOrder[] = {0, 1, 2, 3, 4, 5};
+};
+
+// Whole units that fill whole cache lines, so that streaming stores leave no line half written. Each target
+// has its way to mirror such a block of bytes.
+inline constexpr size_t kLine = 64;
+template <class Unit>
+inline constexpr size_t kUnitBytes = std::size(Unit::kOrder);
+template <class Unit>
+inline constexpr size_t kBlockBytes = kUnitBytes<Unit> % 3 == 0 ? 3 * kLine : kLine;
+
+// Where byte i of a mirrored block comes from.
+template <class Unit>
+constexpr size_t SourceOf(size_t i) {
+  constexpr size_t kUnit = kUnitBytes<Unit>;
+  return kBlockBytes<Unit> - kUnit * (i / kUnit + 1) + Unit::kOrder[i % kUnit];
+}
+
+#if HWY_TARGET == HWY_SCALAR
+
+template <class Unit, StoreKind>
+HWY_INLINE void MirrorBlock(uint8_t* to, const uint8_t* from) {
+  for (size_t i = 0; i < kBlockBytes<Unit>; ++i) to[i] = from[SourceOf<Unit>(i)];
+}
+
+#elif HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+
+// Byte permutes reach across whole vectors.
+template <class Unit>
+struct MirrorIndices {
+  static constexpr size_t kVectors = kBlockBytes<Unit> / kLanes;
+  alignas(64) uint8_t index[kVectors][kLanes];  // within two vectors
+  uint64_t third[kVectors];                     // lanes that come from the third one
+
+  constexpr MirrorIndices() : index{}, third{} {
+    for (size_t i = 0; i < kBlockBytes<Unit>; ++i) {
+      const size_t from = SourceOf<Unit>(i);
+      index[i / kLanes][i % kLanes] = static_cast<uint8_t>(from % (2 * kLanes));
+      if (from >= 2 * kLanes) third[i / kLanes] |= uint64_t{1} << i % kLanes;
+    }
+  }
+};
+
+template <class Unit, size_t kVector>
+HWY_INLINE V8 MirroredVector(const uint8_t* from) {
+  static constexpr MirrorIndices<Unit> kIndices;
+  const __m512i index = _mm512_load_si512(kIndices.index[kVector]);
+  const __m512i v0 = _mm512_loadu_si512(from);
+  if constexpr (kIndices.kVectors == 1) {
+    return V8{_mm512_permutexvar_epi8(index, v0)};
+  } else {
+    const __m512i v1 = _mm512_loadu_si512(from + kLanes);
+    const __m512i v2 = _mm512_loadu_si512(from + 2 * kLanes);
+    return V8{_mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(v0, index, v1), kIndices.third[kVector],
+                                           index, v2)};
+  }
+}
+
+#else
+
+// Byte lookups work on pieces of 16 bytes. A piece of the output comes from one piece of the input, or from
+// two that overlap where units straddle the pieces of the output.
+inline constexpr size_t kPiece = 16;
+
+template <class Unit>
+struct MirrorPieces {
+  static constexpr size_t kPieces = kBlockBytes<Unit> / kPiece;
+  static constexpr uint8_t kElsewhere = 0x80;  // looks up a zero
+
+  size_t low[kPieces];  // where the two pieces of the input start
+  size_t high[kPieces];
+  alignas(64) uint8_t from_low[kBlockBytes<Unit>];  // indices within a piece
+  alignas(64) uint8_t from_high[kBlockBytes<Unit>];
+  bool low_suffices = true;
+
+  constexpr MirrorPieces() : low{}, high{}, from_low{}, from_high{} {
+    for (size_t piece = 0; piece < kPieces; ++piece) {
+      size_t first = kBlockBytes<Unit>, last = 0;
+      for (size_t i = piece * kPiece; i < (piece + 1) * kPiece; ++i) {
+        first = std::min(first, SourceOf<Unit>(i));
+        last = std::max(last, SourceOf<Unit>(i));
+      }
+      low[piece] = first;
+      high[piece] = last + 1 - kPiece;
+      low_suffices = low_suffices && low[piece] == high[piece];
+      for (size_t i = piece * kPiece; i < (piece + 1) * kPiece; ++i) {
+        const size_t from = SourceOf<Unit>(i);
+        const bool in_low = from - low[piece] < kPiece;
+        from_low[i] = in_low ? static_cast<uint8_t>(from - low[piece]) : kElsewhere;
+        from_high[i] = in_low ? kElsewhere : static_cast<uint8_t>(from - high[piece]);
+      }
+    }
+  }
+};
+
+// The vector whose pieces start at the given places, from piece kFirst on.
+template <size_t kFirst, class D, size_t kPieces>
+HWY_INLINE hn::Vec<D> Gather(D d, const uint8_t* from, const size_t (&places)[kPieces]) {
+  if constexpr (hn::MaxLanes(D()) == kPiece) {
+    return hn::LoadU(d, from + places[kFirst]);
+  } else {
+    const hn::Half<D> half;
+    return hn::Combine(d, Gather<kFirst + hn::MaxLanes(half) / kPiece>(half, from, places),
+                       Gather<kFirst>(half, from, places));
+  }
+}
+
+template <class Unit, size_t kVector>
+HWY_INLINE V8 MirroredVector(const uint8_t* from) {
+  static constexpr MirrorPieces<Unit> kPieces;
+  const D8 d8;
+  constexpr size_t kFirst = kVector * kLanes / kPiece;
+  const V8 low = Gather<kFirst>(d8, from, kPieces.low);
+  const V8 from_low = hn::Load(d8, kPieces.from_low + kVector * kLanes);
+  if constexpr (kPieces.low_suffices) {
+    return hn::TableLookupBytes(low, from_low);
+  } else {
+    const V8 high = Gather<kFirst>(d8, from, kPieces.high);
+    const V8 from_high = hn::Load(d8, kPieces.from_high + kVector * kLanes);
+    return hn::Or(hn::TableLookupBytesOr0(low, from_low), hn::TableLookupBytesOr0(high, from_high));
+  }
+}
+
+#endif
+
+#if HWY_TARGET != HWY_SCALAR
+
+template <class Unit, StoreKind kStores, size_t kVector = 0>
+HWY_INLINE void MirrorBlock(uint8_t* to, const uint8_t* from) {
+  Put<kStores>(MirroredVector<Unit, kVector>(from), D8(), to + kVector * kLanes);
+  if constexpr ((kVector + 1) * kLanes < kBlockBytes<Unit>) MirrorBlock<Unit, kStores, kVector + 1>(to, from);
+}
+
+// Bytes of two rows that meet within a block, `seam` bytes behind its start. The vectors lie `first` bytes
+// behind it.
+HWY_INLINE V8 AcrossSeam(size_t seam, size_t first, V8 before, V8 behind) {
+  const auto is_before = hn::FirstN(D8(), std::min(std::max(seam, first) - first, kLanes));
+  return hn::IfThenElse(is_before, before, behind);
+}
+
+template <class Unit, size_t kVector = 0>
+HWY_INLINE void MirrorSeam(uint8_t* to, const uint8_t* before, const uint8_t* behind, size_t seam) {
+  constexpr size_t kFirst = kVector * kLanes;
+  const V8 mirrored =
+      AcrossSeam(seam, kFirst, MirroredVector<Unit, kVector>(before), MirroredVector<Unit, kVector>(behind));
+  hn::Stream(mirrored, D8(), to + kFirst);
+  if constexpr (kFirst + kLanes < kBlockBytes<Unit>) MirrorSeam<Unit, kVector + 1>(to, before, behind, seam);
+}
+
+#endif
+
+// Writes bytes `first` to `first + count - 1` of the mirrored image of a block to `to`.
+template <class Unit>
+HWY_INLINE void MirrorPart(uint8_t* to, const uint8_t* from, size_t first, size_t count) {
+  alignas(64) uint8_t block[kBlockBytes<Unit>];
+  MirrorBlock<Unit, StoreKind::kCached>(block, from);
+  std::memcpy(to, block + first, count);
+}
+
+constexpr size_t kPrefetchAhead = 1024;
+
+// Bytes to go down from `end` in steps of a unit to the start of a cache line: fewer than a block, or a block
+// when there is no such place.
+template <class Unit>
+HWY_INLINE size_t BytesDownToLine(const uint8_t* end) {
+  constexpr size_t kOdd = kUnitBytes<Unit> % 3 == 0 ? 3 : 1, kEven = kUnitBytes<Unit> / kOdd;
+  constexpr size_t kInverse = kOdd == 3 ? 43 : 1;  // 3 x 43 = 129 = 1 modulo 64
+  const auto address = reinterpret_cast<uintptr_t>(end);
+  if (address % kEven != 0) return kBlockBytes<Unit>;
+  return kUnitBytes<Unit> * (address / kEven * kInverse % (kLine / kEven));
+}
+
+// The source is read upwards, which processors foresee best, and the output is written from its end
+// downwards. Blocks that overlap make up for ends that are not aligned.
+template <class Unit>
+HWY_INLINE void MirrorRun(uint8_t* dst, const uint8_t* src, size_t bytes) {
+  constexpr size_t kBlock = kBlockBytes<Unit>;
+  if (bytes < kBlock) {
+    alignas(64) uint8_t block[kBlock] = {};
+    std::memcpy(block, src, bytes);
+    return MirrorPart<Unit>(dst, block, kBlock - bytes, bytes);
+  }
+  const auto block = [&](size_t x) HWY_ATTR {
+    MirrorBlock<Unit, StoreKind::kCached>(dst + bytes - x - kBlock, src + x);
+  };
+  size_t x = BytesDownToLine<Unit>(dst + bytes);
+  if (x > 0) block(0);
+  for (; x + kBlock <= bytes; x += kBlock) block(x);
+  if (x < bytes) block(bytes - kBlock);
+}
+
+template <class Unit>
+void Mirror(uint8_t* dst, const uint8_t* src, size_t row_bytes, size_t rows) {
+  for (size_t y = 0; y < rows; ++y) MirrorRun<Unit>(dst + y * row_bytes, src + y * row_bytes, row_bytes);
+}
+
+// Rows that do not start at a cache line meet within one: such a block is put together of both rows, so that
+// plain stores remain only where a neighbour is missing.
+template <class Unit>
+void MirrorStreaming(uint8_t* dst, const uint8_t* src, size_t row_bytes, size_t rows) {
+#if HWY_TARGET == HWY_SCALAR
+  Mirror<Unit>(dst, src, row_bytes, rows);
+#else
+  constexpr size_t kBlock = kBlockBytes<Unit>;
+  if (row_bytes < 2 * kBlock || BytesDownToLine<Unit>(dst) == kBlock) {
+    return Mirror<Unit>(dst, src, row_bytes, rows);
+  }
+  const auto row_start = [&](size_t y, size_t count) HWY_ATTR {
+    MirrorPart<Unit>(dst + y * row_bytes, src + (y + 1) * row_bytes - kBlock, 0, count);
+  };
+  size_t start =
+      (row_bytes - BytesDownToLine<Unit>(dst + row_bytes)) % kBlock;  // written before or by a seam
+  row_start(0, start);
+  for (size_t y = 0; y < rows; ++y) {
+    uint8_t* const end = dst + (y + 1) * row_bytes;
+    const uint8_t* from = src + y * row_bytes;
+    const size_t head = BytesDownToLine<Unit>(end);
+    for (size_t x = head; x + start < row_bytes; x += kBlock) {
+      for (size_t line = 0; line < kBlock; line += kLine) hwy::Prefetch(from + x + line + kPrefetchAhead);
+      MirrorBlock<Unit, StoreKind::kStreaming>(end - x - kBlock, from + x);
+    }
+    start = (kBlock - head) % kBlock;
+    if (head == 0) continue;
+    if (y > 0 && y + 2 < rows) {
+      MirrorSeam<Unit>(end - head, from - start, from + 2 * row_bytes - start, head);
+    } else {
+      MirrorPart<Unit>(end - head, from, start, head);
+      if (y + 1 < rows) row_start(y + 1, start);
+    }
+  }
+#endif
+}
+
+void Flip(uint8_t* dst, const uint8_t* src, size_t row_bytes, size_t rows) {
+  for (size_t y = 0; y < rows; ++y) {
+    std::memcpy(dst + (rows - 1 - y) * row_bytes, src + y * row_bytes, row_bytes);
+  }
+}
+
+void FlipStreaming(uint8_t* dst, const uint8_t* src, size_t row_bytes, size_t rows) {
+#if HWY_TARGET == HWY_SCALAR
+  Flip(dst, src, row_bytes, rows);
+#else
+  if (row_bytes < 2 * kLine) return Flip(dst, src, row_bytes, rows);
+  const D8 d8;
+  const auto row_end = [&](size_t y, size_t count) {
+    std::memcpy(dst + (rows - y) * row_bytes - count, src + (y + 1) * row_bytes - count, count);
+  };
+  size_t end = reinterpret_cast<uintptr_t>(dst + rows * row_bytes) % kLine;  // written before or by a seam
+  row_end(0, end);
+  for (size_t y = 0; y < rows; ++y) {
+    uint8_t* to = dst + (rows - 1 - y) * row_bytes;
+    const uint8_t* from = src + y * row_bytes;
+    const size_t next_end = reinterpret_cast<uintptr_t>(to) % kLine;
+    const size_t start = (kLine - next_end) % kLine;
+    if (y > 0 && y + 2 < rows) {
+      for (size_t i = 0; i < kLine && start > 0; i += kLanes) {
+        const V8 next_row = hn::LoadU(d8, from + 2 * row_bytes - next_end + i);
+        hn::Stream(AcrossSeam(next_end, i, next_row, hn::LoadU(d8, from - next_end + i)), d8,
+                   to - next_end + i);
+      }
+    } else {
+      std::memcpy(to, from, start);
+      if (y + 1 < rows) row_end(y + 1, next_end);
+    }
+    for (size_t x = start; x + end < row_bytes; x += kLine) {
+      hwy::Prefetch(from + x + kPrefetchAhead);
+      for (size_t i = 0; i < kLine; i += kLanes) hn::Stream(hn::LoadU(d8, from + x + i), d8, to + x + i);
+    }
+    end = next_end;
+  }
+#endif
+}
+
+template <class Unit>
+constexpr void Fill(MirrorKernels& kernels, MirrorUnit unit) {
+  auto& mirror = kernels.mirror[static_cast<size_t>(unit)];
+  mirror[0] = &Mirror<Unit>;
+  mirror[1] = &MirrorStreaming<Unit>;
+}
+
+constexpr MirrorKernels MakeTable() {
+  MirrorKernels kernels{};
+  Fill<ByteUnit>(kernels, MirrorUnit::kByte);
+  Fill<WordUnit>(kernels, MirrorUnit::kWord);
+  Fill<Bytes3Unit>(kernels, MirrorUnit::kBytes3);
+  Fill<Yuv422Unit>(kernels, MirrorUnit::kYuv422);
+  Fill<Yuv411Unit>(kernels, MirrorUnit::kYuv411);
+  Fill<Words3Unit>(kernels, MirrorUnit::kWords3);
+  kernels.flip[0] = &Flip;
+  kernels.flip[1] = &FlipStreaming;
+  return kernels;
+}
+
+}  // namespace
+
+const MirrorKernels& MirrorTable() {
+  static constexpr MirrorKernels kKernels = MakeTable();
+  return kKernels;
+}
+
+}  // namespace prismo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace prismo {
+
+const MirrorKernels& CurrentMirrorKernels() {
+  static constexpr simd::TargetTables<MirrorKernels> kTables{PRISMO_TARGET_TABLES(MirrorTable)};
+  return kTables.Current();
+}
+
+}  // namespace prismo
+#endif
