@@ -2,6 +2,7 @@
 #include "PrismoUtl.h"
 
 #include "fileio/bmp.h"
+#include "fileio/jpeg.h"
 #include "fileio/raw_frame.h"
 
 using namespace prismo;
@@ -41,6 +42,16 @@ uint32_t SaveBmpRGBStrm(const void* image, uint32_t width, uint32_t height, uint
 uint32_t SaveBmpMonoStrm(const void* image, uint32_t width, uint32_t height, uint32_t stride,
                          const char* path) noexcept {
   return Code(SaveBmp(image, {width, height}, StridedBmpRows(BmpPixels::kMono, width, stride), path));
+}
+
+uint32_t SaveJpeg(const void* image, uint32_t layout, uint32_t width, uint32_t height,
+                  const char* path) noexcept {
+  return Code(SaveJpegPicture(image, JpegLayout(layout), {}, {width, height}, path));
+}
+
+uint32_t SaveJpegQ(const void* image, uint32_t layout, uint32_t quality, uint32_t width, uint32_t height,
+                   const char* path) noexcept {
+  return Code(SaveJpegPicture(image, JpegLayout(layout), quality, {width, height}, path));
 }
 
 uint32_t SaveRWH(const void* image, uint32_t pixelFormat, uint32_t width, uint32_t height,
