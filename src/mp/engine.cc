@@ -19,6 +19,9 @@ namespace {
 
 using PoolRef = Ref<MPManager>;
 
+// A plain pointer: a thread-local object with a destructor would keep the library from being unloaded.
+constinit thread_local const SharedWithWorks* shared_with_works = nullptr;
+
 // The pool of this process. Exists before any constructor runs and is never destroyed, since applications may
 // convert in constructors and destructors of their own.
 //
@@ -113,6 +116,16 @@ Status ExecRows(const WorkGeometry& geometry, const JobRef& job, LogFunction wor
   return WithPool(Status::kFailure, [&](MPManager& pool) {
     return pool.ExecWork({.geometry = geometry, .callback = &RunRowBlocks, .job = &job, .worker = worker});
   });
+}
+
+SharedWithWorks::SharedWithWorks(std::shared_ptr<void> memory) : memory_(std::move(memory)) {
+  shared_with_works = this;
+}
+
+SharedWithWorks::~SharedWithWorks() { shared_with_works = nullptr; }
+
+std::shared_ptr<void> SharedWithWorks::Memory() {
+  return shared_with_works ? shared_with_works->memory_ : nullptr;
 }
 
 void LogConversion(LogFunction function, LogKind kind, LogLevel level, uint32_t argument1,

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <type_traits>
 
 #include "core/rows.h"
@@ -56,6 +57,22 @@ Status RunOnPool(const WorkGeometry& geometry, const Job& job, LogFunction worke
                    [](const void* data, RowRange range) { static_cast<const Job*>(data)->Rows(range); }},
                   worker);
 }
+
+// While it exists, the works that its thread submits share in the memory: what they write to lives until the
+// last worker has left them, also when the submitter has given up waiting.
+class SharedWithWorks {
+ public:
+  explicit SharedWithWorks(std::shared_ptr<void> memory);
+  ~SharedWithWorks();
+  SharedWithWorks(const SharedWithWorks&) = delete;
+  SharedWithWorks& operator=(const SharedWithWorks&) = delete;
+
+  // What works submitted now share in; null outside such a scope.
+  static std::shared_ptr<void> Memory();
+
+ private:
+  const std::shared_ptr<void> memory_;
+};
 
 // Records an event of a conversion entry point in the pool's log; nothing happens while there is no pool.
 void LogConversion(LogFunction function, LogKind kind, LogLevel level, uint32_t argument1 = 0,

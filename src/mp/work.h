@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "PrismoUtl.h"
@@ -107,6 +108,7 @@ class Work : public MPWork, public Counted<Work> {
   const LogFunction worker_;
   void (*const rows_)(const void* job, RowRange range);
   alignas(16) std::array<std::byte, kMaxJobBytes> job_;
+  const std::shared_ptr<void> memory_ = SharedWithWorks::Memory();
   std::vector<int32_t> blocks_;
   platform::CriticalSection lock_;
   platform::Event done_;

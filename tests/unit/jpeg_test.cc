@@ -220,12 +220,15 @@ TEST_F(Jpeg, AFileThatCannotBeWrittenWholeIsRemoved) {
   const std::string link = folder_ / "link.jpg";
   std::filesystem::create_symlink(path_, link);
   std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit limit = {500, RLIM_INFINITY};
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit limit = {500, before.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
   for (const std::string& path : {path_, link}) {
     EXPECT_EQ(SaveJpeg(image.data(), kBgraLayout, 320, 200, path.c_str()), UTL_STS_FAILURE);
     EXPECT_FALSE(std::filesystem::exists(path_));
   }
+  setrlimit(RLIMIT_FSIZE, &before);
 }
 #endif
 
