@@ -10,8 +10,8 @@
 #include "hwy/foreach_target.h"
 // After foreach_target.h.
 #include "hwy/highway.h"
+#include "simd/pieces-inl.h"
 #include "simd/target_tables.h"
-#include "simd/vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
@@ -94,10 +94,8 @@ HWY_INLINE V8 MirroredVector(const uint8_t* from) {
 
 #else
 
-// Byte lookups work on pieces of 16 bytes. A piece of the output comes from one piece of the input, or from
-// two that overlap where units straddle the pieces of the output.
-inline constexpr size_t kPiece = 16;
-
+// A piece of the output comes from one piece of the input, or from two that overlap where units straddle the
+// pieces of the output.
 template <class Unit>
 struct MirrorPieces {
   static constexpr size_t kPieces = kBlockBytes<Unit> / kPiece;
@@ -129,29 +127,17 @@ struct MirrorPieces {
   }
 };
 
-// The vector whose pieces start at the given places, from piece kFirst on.
-template <size_t kFirst, class D, size_t kPieces>
-HWY_INLINE hn::Vec<D> Gather(D d, const uint8_t* from, const size_t (&places)[kPieces]) {
-  if constexpr (hn::MaxLanes(D()) == kPiece) {
-    return hn::LoadU(d, from + places[kFirst]);
-  } else {
-    const hn::Half<D> half;
-    return hn::Combine(d, Gather<kFirst + hn::MaxLanes(half) / kPiece>(half, from, places),
-                       Gather<kFirst>(half, from, places));
-  }
-}
-
 template <class Unit, size_t kVector>
 HWY_INLINE V8 MirroredVector(const uint8_t* from) {
   static constexpr MirrorPieces<Unit> kPieces;
   const D8 d8;
   constexpr size_t kFirst = kVector * kLanes / kPiece;
-  const V8 low = Gather<kFirst>(d8, from, kPieces.low);
+  const V8 low = LoadPieces<kFirst>(d8, from, kPieces.low);
   const V8 from_low = hn::Load(d8, kPieces.from_low + kVector * kLanes);
   if constexpr (kPieces.low_suffices) {
     return hn::TableLookupBytes(low, from_low);
   } else {
-    const V8 high = Gather<kFirst>(d8, from, kPieces.high);
+    const V8 high = LoadPieces<kFirst>(d8, from, kPieces.high);
     const V8 from_high = hn::Load(d8, kPieces.from_high + kVector * kLanes);
     return hn::Or(hn::TableLookupBytesOr0(low, from_low), hn::TableLookupBytesOr0(high, from_high));
   }
