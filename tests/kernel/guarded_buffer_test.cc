@@ -25,7 +25,7 @@ TEST(GuardedBuffer, StartsWhereAsked) {
 }
 
 TEST(GuardedBuffer, NoticesBytesWrittenBeside) {
-  for (size_t i = 0; i < 32; ++i) {
+  for (uint32_t i = 0; i < 32; ++i) {
     for (const size_t size : {1u, 100u, 5000u}) {
       const Placement place = Placement::Nth(i);
       const bool room_behind = place.guard == Placement::Edge::kBefore;
@@ -51,7 +51,7 @@ TEST(GuardedBufferDeathTest, GuardPagesStopTouches) {
 
 TEST(Placement, AllMisalignmentsComeRound) {
   uint64_t seen[2] = {0, 0};
-  for (size_t i = 0; i < 512; ++i) {
+  for (uint32_t i = 0; i < 512; ++i) {
     const Placement place = Placement::Nth(i);
     if (place.misalignment < 64) seen[static_cast<size_t>(place.guard)] |= uint64_t{1} << place.misalignment;
     EXPECT_TRUE(Placement::Nth(i, 2).misalignment % 2 == 0);

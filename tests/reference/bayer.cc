@@ -26,7 +26,7 @@ uint8_t Mean(const Mosaic& mosaic, std::initializer_list<Point> points) {
   }
   const uint32_t halvings = count == 4 ? 2 : count == 2 ? 1 : 0;
   if (count != 1u << halvings) throw std::logic_error("no mean of this many samples");
-  return static_cast<uint8_t>(ShiftRight(sum, mosaic.shift + halvings));
+  return static_cast<uint8_t>(ShiftRight(sum, (mosaic.words ? mosaic.shift : 0u) + halvings));
 }
 
 uint8_t Own(const Mosaic& mosaic, int64_t x, int64_t y) { return Mean(mosaic, {{x, y}}); }

@@ -1,5 +1,7 @@
 #include "reference/colour.h"
 
+#include <cstring>
+
 #include "reference/row_split.h"
 
 namespace prismo::reference {
@@ -55,7 +57,11 @@ void ConvertRows(const PackedFrame& frame, Output output, Excess excess, void* d
     const uint32_t y = static_cast<uint32_t>(rows.first + i);
     for (uint32_t x = 0; x < frame.width; ++x) {
       const PackedFrame::Samples s = frame.At(x, y);
-      if (output == Output::kBgra) {
+      if (output == Output::kBgra && frame.order == PackedFrame::Order::kBgra) {
+        const size_t pixel = size_t{y} * frame.width + x;
+        std::memcpy(picture.At(x, y), static_cast<const uint8_t*>(frame.samples) + 4 * pixel,
+                    4);  // alpha too
+      } else if (output == Output::kBgra) {
         PutWord(picture.At(x, y), BgraWord(frame, s, excess));
       } else {
         picture.Put(x, y, {static_cast<uint8_t>(s.b), static_cast<uint8_t>(s.g), static_cast<uint8_t>(s.r)});
