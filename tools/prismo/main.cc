@@ -16,6 +16,11 @@ int Run(int argc, char** argv) {
   AddFormatsCommand(app);
   AddInfoCommand(app);
   AddConvertCommand(app);
+  AddMirrorCommand(app);
+  AddMosaicCommand(app);
+  AddCompareCommand(app);
+  AddLogCommand(app);
+  AddDemoCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& help) {

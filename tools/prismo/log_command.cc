@@ -1,0 +1,73 @@
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+#include "PrismoUtl.h"
+#include "commands.h"
+#include "error.h"
+#include "output_file.h"
+#include "raw_input.h"
+
+namespace prismo::tool {
+namespace {
+
+constexpr uint64_t kHeaderBytes = 48;
+constexpr uint64_t kRecordBytes = 64;
+constexpr std::streamoff kRecordCountAt = 44;
+
+struct LogOptions {
+  std::string input;
+  std::string output = "-";
+  std::string level = "debug";
+};
+
+uint32_t ParseLevel(const std::string& text) {
+  constexpr std::array levels{"debug", "info", "warn", "error", "fatal"};
+  for (uint32_t level = 0; level < levels.size(); ++level) {
+    if (text == levels[level]) return level;
+  }
+  throw Error("--level takes debug, info, warn, error or fatal, not '", text, "'");
+}
+
+void CheckLog(const std::string& path) {
+  const uint64_t length = LengthOfFile(path);
+  if (length < kHeaderBytes) {
+    throw Error(path, ": a saved log begins with ", kHeaderBytes, " header bytes, but the file has ", length);
+  }
+  std::ifstream file(path, std::ios::binary);
+  std::array<unsigned char, 4> count{};
+  if (!file.seekg(kRecordCountAt).read(reinterpret_cast<char*>(count.data()), count.size())) {
+    throw Error(path, ": reading failed: ", std::strerror(errno));
+  }
+  const uint64_t stated =
+      count[0] | uint64_t{count[1]} << 8 | uint64_t{count[2]} << 16 | uint64_t{count[3]} << 24;
+  const uint64_t present = (length - kHeaderBytes) / kRecordBytes;
+  if (present < stated) {
+    throw Error(path, ": the header says ", stated, " records, but the file holds ", present);
+  }
+}
+
+void RunLog(const LogOptions& options) {
+  const uint32_t level = ParseLevel(options.level);
+  CheckLog(options.input);
+  OutputFile text(options.output);
+  Check(ConvLogPXU(options.input.c_str(), text.scratch().c_str(), level), options.input + ": converting");
+  text.Commit({});
+}
+
+}  // namespace
+
+void AddLogCommand(CLI::App& app) {
+  auto options = std::make_shared<LogOptions>();
+  CLI::App* command = app.add_subcommand("log", "Print a saved log of the worker pool as text");
+  command->add_option("FILE", options->input, "A saved log (.pxu)")->required();
+  command->add_option("-o,--output", options->output, "Text file (default: standard output)");
+  command->add_option("--level", options->level, "Leave out records below debug, info, warn, error or fatal");
+  command->callback([options] { RunLog(*options); });
+}
+
+}  // namespace prismo::tool
