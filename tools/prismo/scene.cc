@@ -30,7 +30,7 @@ struct Area {
   }
 };
 
-constexpr Area kPatches{40, 40, 600, 400};
+constexpr Area kPatches{40, 40, 608, 408};
 constexpr double kPlateX = 960, kPlateY = 240, kPlateRadius = 200;
 constexpr double kStarX = 260, kStarY = 700, kStarRadius = 210;
 constexpr Area kLines{520, 500, 300, 400};
@@ -38,12 +38,10 @@ constexpr Area kText{860, 500, 380, 400};
 
 // Six columns of hues (full, pale, dark) over a row of greys.
 Colour Patch(double x, double y) {
-  constexpr int kColumns = 6, kRows = 4;
-  constexpr double kGap = 8;
-  const double cell_width = kPatches.width / kColumns, cell_height = kPatches.height / kRows;
+  constexpr double kGap = 8, kCell = 100;
   const double u = x - kPatches.left, v = y - kPatches.top;
-  const int column = static_cast<int>(u / cell_width), row = static_cast<int>(v / cell_height);
-  if (u - column * cell_width < kGap || v - row * cell_height < kGap) return kInk;
+  const int column = static_cast<int>(u / kCell), row = static_cast<int>(v / kCell);
+  if (u - column * kCell < kGap || v - row * kCell < kGap) return kInk;
   if (row == 3) {
     const double grey = 0.9 * std::pow(0.5, column);
     return {grey, grey, grey};
