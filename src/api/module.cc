@@ -1,9 +1,6 @@
 // What happens when the library is unloaded or the process exits.
+#include "platform/module.h"
+
 #include "mp/controls.h"
 
-namespace {
-
-// Runs after the destructors of an application's own objects, which may still convert.
-[[gnu::destructor]] void Unload() { prismo::mp::TerminateThreads(); }
-
-}  // namespace
+void prismo::platform::AtUnload() noexcept { mp::TerminateThreads(); }

@@ -71,7 +71,7 @@ Status LoadRawFrame(const char* path, uint8_t** buffer, const RawFrameHeaderOut&
     const uint32_t frame_bytes = row_bytes * height;  // 32-bit: what is read never exceeds what was allocated
     if (*buffer == nullptr) {
       // A frame of 0 bytes cannot be allocated either.
-      *buffer = static_cast<uint8_t*>(platform::AllocatePages(frame_bytes));
+      *buffer = static_cast<uint8_t*>(platform::AllocatePages(frame_bytes, platform::PageUse::kFrame));
       if (*buffer == nullptr) return Status::kFileReadError;
     }
     read(*buffer, frame_bytes);

@@ -33,7 +33,10 @@ uint32_t LogRing::Enter(Slot& slot) noexcept {
         state.compare_exchange_weak(before, before | kOccupied, std::memory_order_acquire)) {
       return before;
     }
-    if (before & kOccupied) std::this_thread::yield();
+    if (before & kOccupied) {
+      if (platform::OtherThreadsAreGone()) return before & ~kOccupied;
+      std::this_thread::yield();
+    }
   }
 }
 

@@ -10,7 +10,12 @@ inline constexpr uint32_t kForever = 0xFFFFFFFF;
 
 class Event {
  public:
+#ifdef _WIN32
+  Event();  // throws std::bad_alloc
+  ~Event();
+#else
   Event() = default;
+#endif
   Event(const Event&) = delete;
   Event& operator=(const Event&) = delete;
 
@@ -29,6 +34,9 @@ class Event {
   static constexpr uint32_t kAwaited = 2;  // clear, and somebody may be asleep
 
   std::atomic<uint32_t> state_{kClear};
+#ifdef _WIN32
+  void* handle_;
+#endif
 };
 
 }  // namespace prismo::platform

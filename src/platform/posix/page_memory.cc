@@ -16,7 +16,7 @@ size_t PageSize() {
 }  // namespace
 
 // A page in front of the caller's holds the size of the mapping, which munmap wants back.
-void* AllocatePages(size_t bytes) noexcept {
+void* AllocatePages(size_t bytes, PageUse) noexcept {
   const size_t page = PageSize();
   if (bytes == 0 || bytes > PTRDIFF_MAX - page) return nullptr;
   const size_t mapped = page + bytes;

@@ -23,4 +23,6 @@ uint32_t ThreadId() noexcept {
   return thread_id;
 }
 
+bool OtherThreadsAreGone() noexcept { return false; }
+
 }  // namespace prismo::platform
