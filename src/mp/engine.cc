@@ -188,6 +188,7 @@ Status ExecCallback(MPWorkCallback callback, const WorkGeometry& geometry) noexc
 }
 
 Status StartCallback(MPWork** handle, MPWorkCallback callback, const WorkGeometry& geometry) noexcept {
+  *handle = nullptr;
   return WithPool(Status::kFailure, [&](MPManager& pool) {
     return pool.StartWork({.geometry = geometry, .callback = callback}, *handle);
   });
@@ -199,7 +200,11 @@ Status WaitCallback(MPWork* handle) noexcept {
 
 bool TakeBlock(MPWork* handle, bool first, int32_t* first_row, int32_t* row_count) noexcept {
   RowRange range{0, 0};
-  if (handle) range = static_cast<Work*>(handle)->GetWork(first, LogFunction::kWorkGetWorkLog);
+  if (handle) {
+    auto& work = *static_cast<Work*>(handle);
+    LogBatch log = work.Batch();
+    range = work.GetWork(first, LogFunction::kWorkGetWorkLog, log);
+  }
   if (first_row) *first_row = range.first;
   if (row_count) *row_count = range.count;
   return range.count > 0;

@@ -1,5 +1,6 @@
 #include "mp/log.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -21,12 +22,20 @@ Log::Log(LogConfiguration configuration) noexcept
                                  .level = static_cast<uint32_t>(LogLevel::kInfo)})) {}
 
 void Log::Store(const LogEvent& event) noexcept {
-  const uint64_t stamp = ring_.Append({.function = static_cast<uint32_t>(event.function),
-                                       .level = static_cast<uint32_t>(event.level),
-                                       .work_id = event.work_id,
-                                       .kind = static_cast<uint32_t>(event.kind),
-                                       .arguments = event.arguments});
-  if (stamp != 0 && event.level >= LogLevel::kError) error_recorded_.store(true, std::memory_order_relaxed);
+  const LogRecord record{.function = static_cast<uint32_t>(event.function),
+                         .level = static_cast<uint32_t>(event.level),
+                         .work_id = event.work_id,
+                         .kind = static_cast<uint32_t>(event.kind),
+                         .arguments = event.arguments};
+  Append(std::span(&record, 1));
+}
+
+void Log::Append(std::span<const LogRecord> records) noexcept {
+  if (ring_.Append(records) == 0) return;
+  const bool error = std::ranges::any_of(records, [](const LogRecord& record) {
+    return record.level >= static_cast<uint32_t>(LogLevel::kError);
+  });
+  if (error) error_recorded_.store(true, std::memory_order_relaxed);
 }
 
 void Log::SaveIfErrorPending() noexcept {

@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "core/status.h"
@@ -37,6 +38,9 @@ class Log {
   void Record(const LogEvent& event) noexcept {
     if (Wants(event.level)) Store(event);
   }
+
+  // Records of events that happened just now, whatever their level; stamp and thread are filled in.
+  void Append(std::span<const LogRecord> records) noexcept;
 
   uint32_t Level() const noexcept { return level_.load(std::memory_order_relaxed); }
   void SetLevel(uint32_t level) noexcept { level_.store(level, std::memory_order_relaxed); }

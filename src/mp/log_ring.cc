@@ -44,12 +44,20 @@ void LogRing::Leave(Slot& slot, uint32_t state) noexcept {
   std::atomic_ref(slot.state).store(state, std::memory_order_release);
 }
 
-uint64_t LogRing::Append(LogRecord record) noexcept {
+uint64_t LogRing::Append(std::span<const LogRecord> records) noexcept {
   if (capacity_ == 0) return 0;
-  const uint64_t number = next_.fetch_add(1, std::memory_order_relaxed);
-  record.stamp = platform::TickCount();
-  record.thread_id = platform::ThreadId();
+  uint64_t number = next_.fetch_add(records.size(), std::memory_order_relaxed);
+  const uint64_t stamp = platform::TickCount();
+  const uint32_t thread_id = platform::ThreadId();
+  for (LogRecord record : records) {
+    record.stamp = stamp;
+    record.thread_id = thread_id;
+    Put(number++, record);
+  }
+  return stamp;
+}
 
+void LogRing::Put(uint64_t number, const LogRecord& record) noexcept {
   Slot& slot = slots_[number % capacity_];
   const auto own = static_cast<uint32_t>(number / capacity_ * 2);
   const uint32_t there = Enter(slot);
@@ -57,7 +65,6 @@ uint64_t LogRing::Append(LogRecord record) noexcept {
   const bool newest = static_cast<int32_t>(own - there) >= 0;
   if (newest) std::memcpy(slot.record, &record, sizeof(slot.record));
   Leave(slot, newest ? own : there);
-  return record.stamp;
 }
 
 std::vector<LogRecord> LogRing::Snapshot() const {

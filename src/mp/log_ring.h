@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "mp/log_record.h"
@@ -26,9 +27,11 @@ class LogRing {
 
   uint32_t Capacity() const noexcept { return capacity_; }
 
-  // Stores the record with the time and the calling thread's number, over the oldest one when the ring is
-  // full. Returns the time stamp, or 0 when nothing was stored because there is no room for any.
-  uint64_t Append(LogRecord record) noexcept;
+  // Stores the records, fewer than the ring holds, with the time and the calling thread's number, over the
+  // oldest ones when the ring is full. Returns the time stamp, or 0 when nothing was stored because there is
+  // no room for any.
+  uint64_t Append(std::span<const LogRecord> records) noexcept;
+  uint64_t Append(const LogRecord& record) noexcept { return Append(std::span(&record, 1)); }
 
   // The records in the order of their time stamps.
   std::vector<LogRecord> Snapshot() const;
@@ -39,6 +42,8 @@ class LogRing {
     uint32_t state;  // twice the lap of the record, plus 1 while somebody is at the slot
   };
   static_assert(sizeof(Slot) == sizeof(LogRecord));
+
+  void Put(uint64_t number, const LogRecord& record) noexcept;
 
   static uint32_t Enter(Slot& slot) noexcept;  // returns the state before
   static void Leave(Slot& slot, uint32_t state) noexcept;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 
 namespace prismo::mp {
 namespace {
@@ -124,12 +125,18 @@ void MPManager::WakeThreads() {
 Status MPManager::ExecWork(const WorkRequest& request) {
   const WorkRef work = CreateWork(request);
   if (!work) return Status::kFailure;
-  work->Record(LogFunction::kManagerExecWork, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
-  if (!AppendWork(work)) return Status::kFailure;
-  work->Record(LogFunction::kManagerExecWork, LogKind::kStep1, LogLevel::kInfo, TypeAndRows(*work));
-  const Status status = Await(work, LogFunction::kManagerExecWork);
-  work->Record(LogFunction::kManagerExecWork, LogKind::kFinished, LevelOf(status),
-               TypeAndRows(*work, status));
+  LogBatch log = work->Batch();
+  const auto record = [&](LogKind kind, Status status) {
+    log.Add(LogFunction::kManagerExecWork, kind, LevelOf(status), TypeAndRows(*work, status));
+  };
+  log.Add(LogFunction::kMPWork, LogKind::kStarted, LogLevel::kInfo);
+  record(LogKind::kStarted, Status::kSuccess);
+  const Status appended = AppendWork(work, log);
+  if (appended != Status::kSuccess) return appended;
+  record(LogKind::kStep1, Status::kSuccess);
+  const Status status = Await(work, LogFunction::kManagerExecWork, log);
+  record(LogKind::kFinished, status);
+  log.Flush();
   log_.SaveIfErrorPending();
   return status;
 }
@@ -137,14 +144,16 @@ Status MPManager::ExecWork(const WorkRequest& request) {
 Status MPManager::StartWork(const WorkRequest& request, MPWork*& handle) {
   const WorkRef work = CreateWork(request);
   if (!work) return Status::kFailure;
-  work->Record(LogFunction::kManagerStartWork, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
-  // Stored before a worker can see the work: its callback may look at the caller's handle.
-  handle = work.Get();
-  if (!AppendWork(work)) {
+  LogBatch log = work->Batch();
+  log.Add(LogFunction::kMPWork, LogKind::kStarted, LogLevel::kInfo);
+  log.Add(LogFunction::kManagerStartWork, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
+  handle = work.Get();  // before a worker can see the work: its callback may look for the handle
+  const Status appended = AppendWork(work, log);
+  if (appended != Status::kSuccess) {
     handle = nullptr;
-    return Status::kFailure;
+    return appended;
   }
-  work->Record(LogFunction::kManagerStartWork, LogKind::kFinished, LogLevel::kInfo, TypeAndRows(*work));
+  log.Add(LogFunction::kManagerStartWork, LogKind::kFinished, LogLevel::kInfo, TypeAndRows(*work));
   return Status::kSuccess;
 }
 
@@ -156,10 +165,12 @@ Status MPManager::WaitWorkDone(const MPWork* handle) {
     if (place != m_aoWork.end()) work = *place;
   }
   if (!work) return Status::kInvalidParameter;
-  work->Record(LogFunction::kManagerWaitWorkDone, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
-  const Status status = Await(work, LogFunction::kManagerWaitWorkDone);
-  work->Record(LogFunction::kManagerWaitWorkDone, LogKind::kFinished, LevelOf(status),
-               {Bits(work->Type), Code(status)});
+  LogBatch log = work->Batch();
+  log.Add(LogFunction::kManagerWaitWorkDone, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
+  const Status status = Await(work, LogFunction::kManagerWaitWorkDone, log);
+  log.Add(LogFunction::kManagerWaitWorkDone, LogKind::kFinished, LevelOf(status),
+          {Bits(work->Type), Code(status)});
+  log.Flush();
   log_.SaveIfErrorPending();
   return status;
 }
@@ -172,37 +183,40 @@ WorkRef MPManager::CreateWork(const WorkRequest& request) {
   return WorkRef(new Work(request, threads, log_));
 }
 
-// False when the pool is being terminated.
-bool MPManager::AppendWork(const WorkRef& work) {
-  work->Record(LogFunction::kManagerAppendWork, LogKind::kStarted, LogLevel::kInfo, Rows(*work));
+// Failure without memory, and when the pool is being terminated.
+Status MPManager::AppendWork(const WorkRef& work, LogBatch& log) {
+  log.Add(LogFunction::kManagerAppendWork, LogKind::kStarted, LogLevel::kInfo, Rows(*work));
   if (CurrentThreads() == 0) SetThreadCount(thread_count_);
-  {
+  const Status queued = NoThrow(Status::kFailure, [&] {
     std::lock_guard guard(work_lock_);
-    if (terminated_) return false;
+    if (terminated_) return Status::kFailure;
     m_aoWork.push_back(work);
     work->WorkID = ++last_work_id_;
     if (!m_PCurrentWork) m_PCurrentWork = work.Get();
-  }
+    return Status::kSuccess;
+  });
+  if (queued != Status::kSuccess) return queued;
   WakeThreads();
-  work->Record(LogFunction::kManagerAppendWork, LogKind::kStep1, LogLevel::kInfo, Rows(*work));
-  work->Record(LogFunction::kManagerAppendWork, LogKind::kFinished, LogLevel::kInfo, Rows(*work));
-  return true;
+  log.Add(LogFunction::kManagerAppendWork, LogKind::kStep1, LogLevel::kInfo, Rows(*work));
+  log.Add(LogFunction::kManagerAppendWork, LogKind::kFinished, LogLevel::kInfo, Rows(*work));
+  return Status::kSuccess;
 }
 
 // The submitter's second half: waits, releases the work and says how it ended.
-Status MPManager::Await(const WorkRef& work, LogFunction function) {
+Status MPManager::Await(const WorkRef& work, LogFunction function, LogBatch& log) {
+  log.Flush();
   if (!work->WaitDone(Timeout())) {
-    work->TimeOut();
-    work->Record(function, LogKind::kError, LogLevel::kError, TypeAndRows(*work));
+    work->TimeOut(log);
+    log.Add(function, LogKind::kError, LogLevel::kError, TypeAndRows(*work));
   }
   const Status status = work->CurrentStatus();
-  ReleaseWork(work);
+  ReleaseWork(work, log);
   return status;
 }
 
 // False when the work was not in the queue.
-bool MPManager::RemoveWork(Work& work) {
-  work.Record(LogFunction::kManagerRemoveWork, LogKind::kStarted, LogLevel::kInfo, Rows(work));
+bool MPManager::RemoveWork(Work& work, LogBatch& log) {
+  log.Add(LogFunction::kManagerRemoveWork, LogKind::kStarted, LogLevel::kInfo, Rows(work));
   bool found = false;
   {
     std::lock_guard guard(work_lock_);
@@ -213,21 +227,21 @@ bool MPManager::RemoveWork(Work& work) {
       m_aoWork.erase(place);
     }
   }
-  work.Record(LogFunction::kManagerRemoveWork, LogKind::kFinished, LogLevel::kInfo, Rows(work));
+  log.Add(LogFunction::kManagerRemoveWork, LogKind::kFinished, LogLevel::kInfo, Rows(work));
   return found;
 }
 
 // The caller's WorkRef is what keeps the record from here on, unless it goes on the list.
-void MPManager::ReleaseWork(const WorkRef& work) {
-  work->Record(LogFunction::kManagerReleaseWork, LogKind::kStarted, LogLevel::kInfo, Rows(*work));
-  if (!RemoveWork(*work)) return;
+void MPManager::ReleaseWork(const WorkRef& work, LogBatch& log) {
+  log.Add(LogFunction::kManagerReleaseWork, LogKind::kStarted, LogLevel::kInfo, Rows(*work));
+  if (!RemoveWork(*work, log)) return;
   const int32_t accesses = work->Accesses();
   if (accesses < 1) {
-    work->Record(LogFunction::kManagerReleaseWork, LogKind::kStep1, LogLevel::kInfo, {work->CallbackTag()});
+    log.Add(LogFunction::kManagerReleaseWork, LogKind::kStep1, LogLevel::kInfo, {work->CallbackTag()});
     return;
   }
-  work->Record(LogFunction::kManagerReleaseWork, LogKind::kStep2, LogLevel::kInfo,
-               {Bits(accesses), work->CallbackTag()});
+  log.Add(LogFunction::kManagerReleaseWork, LogKind::kStep2, LogLevel::kInfo,
+          {Bits(accesses), work->CallbackTag()});
   std::lock_guard guard(timeout_lock_);
   // Without memory for the list the workers inside still keep the record as long as they need it.
   NoThrow(Status::kFailure, [&] {
@@ -277,9 +291,10 @@ void MPManager::ApplyPriority(platform::ThreadPriority& own, int32_t& applied) {
 
 void MPManager::ExecFunc(ThreadSlot& slot) {
   bool started = false;
+  uint32_t id = 0;
+  LogBatch log(log_, id);
   for (;;) {
     WorkRef work;
-    uint32_t id = 0;
     bool joined = false;
     size_t queued = 0;
     {
@@ -288,39 +303,41 @@ void MPManager::ExecFunc(ThreadSlot& slot) {
       queued = m_aoWork.size();
       work = WorkRef(m_PCurrentWork);
       id = work->WorkID;
-      joined = work->TryAccess(slot.index);
+      joined = work->TryAccess(slot.index, log);
     }
-    if (!started) {
-      Record(LogFunction::kManagerExecFunc, LogKind::kStarted, LogLevel::kDebug,
-             {Tag(work.Get()), static_cast<uint32_t>(queued)});
-      started = true;
+    if (!std::exchange(started, true)) {
+      log.Add(LogFunction::kManagerExecFunc, LogKind::kStarted, LogLevel::kDebug,
+              {Tag(work.Get()), static_cast<uint32_t>(queued)});
     }
     if (joined) {
-      work->Record(LogFunction::kManagerExecFunc, LogKind::kStep1, LogLevel::kDebug);
-      RunCallback(*work, slot);
+      log.Add(LogFunction::kManagerExecFunc, LogKind::kStep1, LogLevel::kDebug);
+      log.Flush();
+      RunCallback(*work, slot, log);
     }
     work = {};
-    UpdateCurrentWork(id);
+    UpdateCurrentWork(id, log);
+    log.Flush();
     if (slot.terminate) break;
     ReclaimTimedOut();
   }
-  if (started) Record(LogFunction::kManagerExecFunc, LogKind::kStep2, LogLevel::kDebug);
+  id = 0;
+  if (started) log.Add(LogFunction::kManagerExecFunc, LogKind::kStep2, LogLevel::kDebug);
 }
 
 // Exceptions of callbacks end here, those of applications too.
-void MPManager::RunCallback(Work& work, ThreadSlot& slot) {
+void MPManager::RunCallback(Work& work, ThreadSlot& slot, LogBatch& log) {
   try {
     work.Callback(&work);
   } catch (...) {
-    work.Fail(slot.index);
+    work.Fail(slot.index, log);
   }
   const Status status = work.CurrentStatus();
   if (status == Status::kTimeout) {
-    work.Record(LogFunction::kManagerExecFunc, LogKind::kError, LogLevel::kError, {Code(status)});
+    log.Add(LogFunction::kManagerExecFunc, LogKind::kError, LogLevel::kError, {Code(status)});
   }
 }
 
-void MPManager::UpdateCurrentWork(uint32_t finished_id) {
+void MPManager::UpdateCurrentWork(uint32_t finished_id, LogBatch& log) {
   int32_t current_id = -1;
   {
     std::lock_guard guard(work_lock_);
@@ -329,8 +346,8 @@ void MPManager::UpdateCurrentWork(uint32_t finished_id) {
       if (m_PCurrentWork->WorkID == finished_id) m_PCurrentWork = After(*m_PCurrentWork);
     }
   }
-  Record(LogFunction::kManagerUpdateCurrentWork, LogKind::kStarted, LogLevel::kDebug,
-         {finished_id, Bits(current_id)});
+  log.Add(LogFunction::kManagerUpdateCurrentWork, LogKind::kStarted, LogLevel::kDebug,
+          {finished_id, Bits(current_id)});
 }
 
 void MPManager::ReclaimTimedOut() {
@@ -341,7 +358,7 @@ void MPManager::ReclaimTimedOut() {
     WorkRef& work = timeout_list_[index];
     // A thread that drew a block without rows left the callback, but is counted as inside for ever.
     if (work->Accesses() >= 1 && !work->HasOneOwner()) continue;
-    work->Record(LogFunction::kManagerExecFunc, LogKind::kStep3, LogLevel::kInfo);
+    work->Batch().Add(LogFunction::kManagerExecFunc, LogKind::kStep3, LogLevel::kInfo);
     timeout_list_.erase(timeout_list_.begin() + static_cast<ptrdiff_t>(index));
   }
   has_timed_out_.store(!timeout_list_.empty(), std::memory_order_release);

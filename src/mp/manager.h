@@ -81,17 +81,17 @@ class MPManager : public Counted<MPManager> {
   void CloseAllThreads();
 
   WorkRef CreateWork(const WorkRequest& request);
-  bool AppendWork(const WorkRef& work);
-  bool RemoveWork(Work& work);
-  void ReleaseWork(const WorkRef& work);
-  Status Await(const WorkRef& work, LogFunction function);
+  Status AppendWork(const WorkRef& work, LogBatch& log);
+  bool RemoveWork(Work& work, LogBatch& log);
+  void ReleaseWork(const WorkRef& work, LogBatch& log);
+  Status Await(const WorkRef& work, LogFunction function, LogBatch& log);
   void WakeThreads();
 
   void ThreadExec(ThreadSlot& slot);
   void ApplyPriority(platform::ThreadPriority& own, int32_t& applied);
   void ExecFunc(ThreadSlot& slot);
-  void RunCallback(Work& work, ThreadSlot& slot);
-  void UpdateCurrentWork(uint32_t finished_id);
+  void RunCallback(Work& work, ThreadSlot& slot, LogBatch& log);
+  void UpdateCurrentWork(uint32_t finished_id, LogBatch& log);
   void ReclaimTimedOut();
 
   Work* After(const Work& work) const;

@@ -15,8 +15,9 @@ constexpr bool StartsWithMode(LogFunction worker) {
 // The callback of every work that is made of a job. What the rows throw is the engine's to catch.
 inline void RunRowBlocks(MPWork* handle) {
   auto& work = *static_cast<Work*>(handle);
+  LogBatch log = work.Batch();
   const auto record = [&](LogKind kind, const LogArguments& arguments) {
-    work.Record(work.Worker(), kind, LogLevel::kDebug, arguments);
+    log.Add(work.Worker(), kind, LogLevel::kDebug, arguments);
   };
 
   if (StartsWithMode(work.Worker())) {
@@ -24,13 +25,14 @@ inline void RunRowBlocks(MPWork* handle) {
   } else {
     record(LogKind::kStarted, {work.SrcWidth, work.SrcHeight});
   }
-  RowRange range = work.GetWork(true, LogFunction::kWorkGetWork);
+  RowRange range = work.GetWork(true, LogFunction::kWorkGetWork, log);
   while (range.count > 0) {
     const LogArguments rows = {static_cast<uint32_t>(range.first), static_cast<uint32_t>(range.count)};
     record(LogKind::kStep1, rows);
+    log.Flush();
     work.ConvertRows(range);
     record(LogKind::kStep2, rows);
-    range = work.GetWork(false, LogFunction::kWorkGetWork);
+    range = work.GetWork(false, LogFunction::kWorkGetWork, log);
   }
 }
 

@@ -75,15 +75,14 @@ Work::Work(const WorkRequest& request, int32_t threads, Log& log)
     std::memcpy(job_.data(), request.job->data, request.job->size);
   }
   live_.fetch_add(1, std::memory_order_relaxed);
-  Record(LogFunction::kMPWork, LogKind::kStarted, LogLevel::kInfo);
 }
 
 Work::~Work() {
-  Record(LogFunction::kMPWork, LogKind::kFinished, LogLevel::kInfo);
+  Batch().Add(LogFunction::kMPWork, LogKind::kFinished, LogLevel::kInfo);
   live_.fetch_sub(1, std::memory_order_relaxed);
 }
 
-bool Work::TryAccess(int32_t participant) {
+bool Work::TryAccess(int32_t participant, LogBatch& log) {
   std::lock_guard guard(lock_);
   const int32_t before = Accesses();
   const bool allowed = NextBlock >= 0 && CurrentStatus() == prismo::Status::kSuccess;
@@ -91,13 +90,13 @@ bool Work::TryAccess(int32_t participant) {
     AccessField().store(before + 1, std::memory_order_release);
     participants_[static_cast<size_t>(participant)] = {platform::ThreadId(), true};
   }
-  Record(LogFunction::kWorkTryAccess, LogKind::kStarted, LogLevel::kDebug, {static_cast<uint32_t>(before)});
-  Record(LogFunction::kWorkTryAccess, LogKind::kFinished, LogLevel::kDebug,
-         {allowed, static_cast<uint32_t>(before + allowed)});
+  log.Add(LogFunction::kWorkTryAccess, LogKind::kStarted, LogLevel::kDebug, {static_cast<uint32_t>(before)});
+  log.Add(LogFunction::kWorkTryAccess, LogKind::kFinished, LogLevel::kDebug,
+          {allowed, static_cast<uint32_t>(before + allowed)});
   return allowed;
 }
 
-RowRange Work::GetWork(bool first, LogFunction function) {
+RowRange Work::GetWork(bool first, LogFunction function, LogBatch& log) {
   RowRange range{0, 0};
   bool last = false;
   int32_t to_do_before, to_do, accesses_before, accesses;
@@ -116,34 +115,35 @@ RowRange Work::GetWork(bool first, LogFunction function) {
     to_do = BlocksToDo();
     accesses = Accesses();
   }
-  if (last) RaiseDone(function);
+  if (last) RaiseDone(function, log);
 
-  Record(function, LogKind::kStarted, LogLevel::kDebug,
-         {first, static_cast<uint32_t>(to_do_before), static_cast<uint32_t>(accesses_before)});
-  Record(function, LogKind::kFinished, LogLevel::kDebug,
-         {static_cast<uint32_t>(range.first), static_cast<uint32_t>(range.count),
-          static_cast<uint32_t>(to_do), static_cast<uint32_t>(accesses)});
+  log.Add(function, LogKind::kStarted, LogLevel::kDebug,
+          {first, static_cast<uint32_t>(to_do_before), static_cast<uint32_t>(accesses_before)});
+  log.Add(function, LogKind::kFinished, LogLevel::kDebug,
+          {static_cast<uint32_t>(range.first), static_cast<uint32_t>(range.count),
+           static_cast<uint32_t>(to_do), static_cast<uint32_t>(accesses)});
   return range;
 }
 
-void Work::Fail(int32_t participant) {
-  SetStatus(prismo::Status::kFailure);
+void Work::Fail(int32_t participant, LogBatch& log) {
+  SetStatus(prismo::Status::kFailure, log);
   bool last = false;
   {
     std::lock_guard guard(lock_);
     if (participants_[static_cast<size_t>(participant)].inside) last = Leave();
   }
-  if (last) RaiseDone(LogFunction::kWorkGetWork);
+  if (last) RaiseDone(LogFunction::kWorkGetWork, log);
 }
 
-void Work::SetStatus(prismo::Status status) {
+void Work::SetStatus(prismo::Status status, LogBatch& log) {
   StatusField().store(Code(status), std::memory_order_release);
-  Record(LogFunction::kWorkSetStatus, LogKind::kCalled, LogLevel::kError, {Code(status)});
+  log.Add(LogFunction::kWorkSetStatus, LogKind::kCalled, LogLevel::kError, {Code(status)});
 }
 
-void Work::TimeOut() {
+void Work::TimeOut(LogBatch& log) {
   if (ReplaceGoodStatus(prismo::Status::kTimeout)) {
-    Record(LogFunction::kWorkSetStatus, LogKind::kCalled, LogLevel::kError, {Code(prismo::Status::kTimeout)});
+    log.Add(LogFunction::kWorkSetStatus, LogKind::kCalled, LogLevel::kError,
+            {Code(prismo::Status::kTimeout)});
   }
 }
 
@@ -168,10 +168,10 @@ bool Work::Leave() {
   return accesses < 1;
 }
 
-void Work::RaiseDone(LogFunction function) {
+void Work::RaiseDone(LogFunction function, LogBatch& log) {
   done_.Set();
-  Record(function, LogKind::kStep1, LogLevel::kDebug,
-         {static_cast<uint32_t>(BlocksToDo()), static_cast<uint32_t>(Accesses())});
+  log.Add(function, LogKind::kStep1, LogLevel::kDebug,
+          {static_cast<uint32_t>(BlocksToDo()), static_cast<uint32_t>(Accesses())});
 }
 
 }  // namespace prismo::mp

@@ -12,7 +12,7 @@
 #include "core/rows.h"
 #include "core/status.h"
 #include "mp/engine.h"
-#include "mp/log.h"
+#include "mp/log_batch.h"
 #include "mp/ref.h"
 #include "platform/critical_section.h"
 #include "platform/event.h"
@@ -20,8 +20,6 @@
 namespace prismo::mp {
 
 inline constexpr int32_t kMaxThreads = 16;
-
-using LogArguments = std::array<uint32_t, 8>;
 
 // What a submitter asks for: a callback of the application's own, or a job of the library's.
 struct WorkRequest {
@@ -46,20 +44,20 @@ class Work : public MPWork, public Counted<Work> {
 
   // Lets a thread, the pool's `participant`th, join while there are blocks and the work is good. The thread
   // must hold a WorkRef from before this call until its callback has returned.
-  bool TryAccess(int32_t participant);
+  bool TryAccess(int32_t participant, LogBatch& log);
 
   // Reports the block taken before as finished, unless this is the `first` call, and takes the next one. A
   // range without rows means that the callback has to return: the thread has been counted out, or it has
   // drawn a block without rows.
-  RowRange GetWork(bool first, LogFunction function);
+  RowRange GetWork(bool first, LogFunction function, LogBatch& log);
 
   // Takes the place of the GetWork calls of a participant whose callback has thrown.
-  void Fail(int32_t participant);
+  void Fail(int32_t participant, LogBatch& log);
 
-  void SetStatus(prismo::Status status);
+  void SetStatus(prismo::Status status, LogBatch& log);
 
   // For a submitter that gives up waiting; does not hide a failure.
-  void TimeOut();
+  void TimeOut(LogBatch& log);
 
   // For a work that no thread will come to any more: fails it, unless it is done, and wakes its submitter.
   void Abandon();
@@ -73,9 +71,7 @@ class Work : public MPWork, public Counted<Work> {
   // The job's rows; only in works made of a job.
   void ConvertRows(RowRange range) const { rows_(job_.data(), range); }
 
-  void Record(LogFunction function, LogKind kind, LogLevel level, const LogArguments& arguments = {}) const {
-    if (log_.Wants(level)) log_.Record({function, kind, level, WorkID, arguments});
-  }
+  LogBatch Batch() const { return {log_, WorkID}; }
   LogFunction Worker() const { return worker_; }
 
   // The callback as messages show it.
@@ -102,7 +98,7 @@ class Work : public MPWork, public Counted<Work> {
 
   // Counts the calling thread out, under the lock; true for the last one, who has to raise the event.
   bool Leave();
-  void RaiseDone(LogFunction function);
+  void RaiseDone(LogFunction function, LogBatch& log);
 
   Log& log_;
   const LogFunction worker_;

@@ -1,24 +1,40 @@
-// A lock for std::lock_guard and its kin. Not recursive.
+// A lock for std::lock_guard and its kin, for sections of less than a microsecond: to sleep is its last
+// resort. Not recursive.
 #pragma once
 
-#include <cstddef>
+#include <atomic>
+#include <cstdint>
 
 namespace prismo::platform {
 
 class CriticalSection {
  public:
-  // Zeros are the unlocked state of every system's lock that stands behind this; so a lock needs no code to
-  // exist before main, and none to go.
   constexpr CriticalSection() = default;
   CriticalSection(const CriticalSection&) = delete;
   CriticalSection& operator=(const CriticalSection&) = delete;
 
-  void lock() noexcept;
-  bool try_lock() noexcept;
-  void unlock() noexcept;
+  bool try_lock() noexcept {
+    uint32_t state = kFree;
+    return state_.compare_exchange_strong(state, kHeld, std::memory_order_acquire, std::memory_order_relaxed);
+  }
+
+  void lock() noexcept {
+    if (!try_lock()) WaitForIt();
+  }
+
+  void unlock() noexcept {
+    if (state_.exchange(kFree, std::memory_order_release) == kAwaited) WakeNext();
+  }
 
  private:
-  alignas(8) std::byte storage_[48]{};
+  static constexpr uint32_t kFree = 0;
+  static constexpr uint32_t kHeld = 1;
+  static constexpr uint32_t kAwaited = 2;  // held, and somebody may be asleep
+
+  void WaitForIt() noexcept;
+  void WakeNext() noexcept;
+
+  std::atomic<uint32_t> state_{kFree};
 };
 
 }  // namespace prismo::platform

@@ -8,6 +8,7 @@ namespace prismo::platform {
 static_assert(sizeof(pthread_t) == sizeof(uintptr_t));
 
 void* Thread::Enter(void* self) {
+  pthread_setname_np(pthread_self(), "PrismoUtl");  // for whoever looks at the process from outside
   auto* thread = static_cast<Thread*>(self);
   thread->procedure_(thread->argument_);
   return nullptr;

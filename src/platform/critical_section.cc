@@ -1,0 +1,25 @@
+#include "platform/critical_section.h"
+
+#include <hwy/cache_control.h>
+
+#include "platform/word_wait.h"
+
+namespace prismo::platform {
+namespace {
+
+constexpr int kSpins = 100;  // a few microseconds, which is longer than any holder needs while it runs
+
+}  // namespace
+
+void CriticalSection::WaitForIt() noexcept {
+  for (int spin = 0; CanSpin() && spin < kSpins; ++spin) {
+    hwy::Pause();
+    if (state_.load(std::memory_order_relaxed) == kFree && try_lock()) return;
+  }
+  // Whoever gets the lock here cannot know whether others are still asleep, so it passes the mark on.
+  while (state_.exchange(kAwaited, std::memory_order_acquire) != kFree) WaitWhile(state_, kAwaited, kNoLimit);
+}
+
+void CriticalSection::WakeNext() noexcept { WakeOne(state_); }
+
+}  // namespace prismo::platform

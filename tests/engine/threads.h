@@ -1,0 +1,22 @@
+// What the system knows about this process's threads.
+#pragma once
+
+#include <cstdint>
+
+namespace prismo::mp {
+
+// Whether there are this many worker threads, of whatever pools: before long, since the system takes its time
+// to name new threads and to strike out ended ones.
+bool WorkerThreadsAre(int32_t count);
+
+// Nice value of a thread; -100 when there is no such thread.
+int32_t NiceOfThread(uint32_t thread_id);
+
+// While it exists, only this many more threads can be made.
+class ThreadLimit {
+ public:
+  explicit ThreadLimit(int32_t threads);
+  ~ThreadLimit();
+};
+
+}  // namespace prismo::mp
