@@ -18,6 +18,25 @@ if(PRISMO_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${PRISMO_CCACHE})
 endif()
 
+if(WIN32)  # which finds libraries beside programs
+  set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+endif()
+
+# prismo_find_headers(<variable> <folder> <header>): where to include <folder/header> from. A library that is
+# headers only serves every target, but when cross-compiling only its own folder may be seen of this system's.
+function(prismo_find_headers variable folder header)
+  if(CMAKE_CROSSCOMPILING)
+    find_path(${variable}_OF_HOST ${folder}/${header} PATHS /usr/include REQUIRED
+      NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+    set(headers ${PROJECT_BINARY_DIR}/headers)
+    file(MAKE_DIRECTORY ${headers})
+    file(CREATE_LINK ${${variable}_OF_HOST}/${folder} ${headers}/${folder} SYMBOLIC)
+    set(${variable} ${headers} PARENT_SCOPE)
+  else()
+    find_path(${variable} ${folder}/${header} REQUIRED)
+  endif()
+endfunction()
+
 add_library(prismo_compile INTERFACE)
 target_compile_options(prismo_compile INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wno-sign-conversion -Wundef
