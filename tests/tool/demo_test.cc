@@ -1,0 +1,54 @@
+#include "PrismoUtl.h"
+#include "tool_test.h"
+
+namespace prismo::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class DemoTest : public ToolTest {
+ protected:
+  // A wrong phase or order of channels would show the patches of the scene in other colours.
+  void ExpectRightColours(const std::string& name) {
+    const Bytes bmp = Content(name);
+    const auto pixel = [&](size_t x, size_t y) { return &bmp[54 + ((959 - y) * 1280 + x) * 3]; };
+    const uint8_t* red = pixel(95, 95);
+    EXPECT_GT(red[2], 2 * red[1]);
+    EXPECT_GT(red[2], 2 * red[0]);
+    const uint8_t* green = pixel(295, 95);
+    EXPECT_GT(green[1], 2 * green[0]);
+    EXPECT_GT(green[1], 2 * green[2]);
+    const uint8_t* blue = pixel(495, 95);
+    EXPECT_GT(blue[0], 2 * blue[1]);
+    EXPECT_GT(blue[0], 2 * blue[2]);
+  }
+};
+
+TEST_F(DemoTest, TheSceneIsTheSameEveryTime) {
+  const std::string text = RunWell("demo -o first");
+  RunWell("demo -o second");
+  for (const char* name : {"frame.rwh", "mosaic.png", "linear.png", "bilinear.png", "adaptive.png",
+                           "bilinear.bmp", "bilinear.jpg", "detail.png"}) {
+    EXPECT_NE(text.find(std::string("first/") + name), std::string::npos) << text;
+    EXPECT_EQ(Content(std::string("first/") + name), Content(std::string("second/") + name)) << name;
+  }
+  ExpectRightColours("first/bilinear.bmp");
+  EXPECT_NE(text.find("Mpixel/s"), std::string::npos) << text;
+  const std::string info = RunWell("info first/frame.rwh");
+  EXPECT_NE(info.find("BayerRG12"), std::string::npos) << info;
+}
+
+TEST_F(DemoTest, AFrameOfTheUser) {
+  const Bytes frame = MakeFrame("f", PRISMO_BAYER_GB8, 320, 200);
+  WriteFile(Path("d.raw"), frame);
+  RunWell("demo d.raw --size 320x200 --format BayerGB8 -o out");
+  EXPECT_EQ(Content("out/frame.rwh"), Content("f.rwh"));
+  EXPECT_TRUE(fs::exists(Path("out/detail.png")));
+  MakeFrame("y", PRISMO_YUV422, 32, 20);
+  RunWell("demo y.rwh -o yuv");
+  EXPECT_TRUE(fs::exists(Path("yuv/picture.png")));
+  ExpectFailure("demo none.raw --size 2x2 --format Mono8 -o out", {"none.raw", "no such file"});
+}
+
+}  // namespace
+}  // namespace prismo::test

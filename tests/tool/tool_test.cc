@@ -1,0 +1,107 @@
+#include "tool_test.h"
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "PrismoUtl.h"
+
+namespace prismo::test {
+
+namespace fs = std::filesystem;
+
+Outcome ToolTest::Run(const std::string& arguments, const std::string& prefix) {
+  // What the command prints goes to a folder of its own, so that Files() lists what the command leaves.
+  const TempFolder printed;
+  const std::string command = "cd '" + (folder / ".") + "' && (" + prefix + " '" PRISMO_TOOL "' " +
+                              arguments + ") >'" + (printed / "out") + "' 2>'" + (printed / "err") +
+                              "' </dev/null";
+  const int status = std::system(command.c_str());
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(printed / "out"), ReadText(printed / "err")};
+}
+
+std::string ToolTest::RunWell(const std::string& arguments) {
+  const Outcome outcome = Run(arguments);
+  EXPECT_EQ(outcome.exit_code, 0) << arguments;
+  EXPECT_EQ(outcome.err, "") << arguments;
+  return outcome.out;
+}
+
+void ToolTest::ExpectFailure(const std::string& arguments, const std::vector<std::string>& words,
+                             const std::string& prefix) {
+  const auto before = Files();
+  const Outcome outcome = Run(arguments, prefix);
+  EXPECT_EQ(outcome.exit_code, 1) << arguments;
+  EXPECT_EQ(outcome.out, "") << arguments;
+  EXPECT_TRUE(outcome.err.starts_with("prismo: ")) << arguments << '\n' << outcome.err;
+  EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << arguments << '\n' << outcome.err;
+  for (const std::string& word : words) {
+    EXPECT_NE(outcome.err.find(word), std::string::npos) << arguments << '\n'
+                                                         << outcome.err << "does not say: " << word;
+  }
+  EXPECT_EQ(Files(), before) << arguments;
+}
+
+std::vector<std::string> ToolTest::Files() const {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder / "."))
+    names.push_back(entry.path().filename().string());
+  std::ranges::sort(names);
+  return names;
+}
+
+Bytes ToolTest::MakeFrame(const std::string& name, uint32_t code, uint32_t width, uint32_t height) {
+  const size_t row_bytes = BytesOfRow(code, width);
+  const uint32_t depth = DataDepth(code) ? DataDepth(code) : 8;
+  Bytes frame(row_bytes * height);
+  for (size_t i = 0; i < frame.size(); ++i) {
+    frame[i] = random_.Byte();
+    if (depth > 8 && i % 2) frame[i] = static_cast<uint8_t>(frame[i] & ((1u << (depth - 8)) - 1));
+  }
+  EXPECT_EQ(SaveRWH(frame.data(), code, width, height, Path(name + ".rwh").c_str()), 0u);
+  return frame;
+}
+
+const std::vector<NamedFormat>& AllFormats() {
+  static const std::vector<NamedFormat> formats{
+      {"Mono8", PRISMO_MONO8},
+      {"Mono10", PRISMO_MONO10},
+      {"Mono12", PRISMO_MONO12},
+      {"Mono16", PRISMO_MONO16},
+      {"BayerGR8", PRISMO_BAYER_GR8},
+      {"BayerRG8", PRISMO_BAYER_RG8},
+      {"BayerGB8", PRISMO_BAYER_GB8},
+      {"BayerBG8", PRISMO_BAYER_BG8},
+      {"BayerGR10", PRISMO_BAYER_GR10},
+      {"BayerRG10", PRISMO_BAYER_RG10},
+      {"BayerGB10", PRISMO_BAYER_GB10},
+      {"BayerBG10", PRISMO_BAYER_BG10},
+      {"BayerGR12", PRISMO_BAYER_GR12},
+      {"BayerRG12", PRISMO_BAYER_RG12},
+      {"BayerGB12", PRISMO_BAYER_GB12},
+      {"BayerBG12", PRISMO_BAYER_BG12},
+      {"RGB8", PRISMO_RGB8},
+      {"BGR8", PRISMO_BGR8},
+      {"RGB10", PRISMO_RGB10},
+      {"BGR10", PRISMO_BGR10},
+      {"RGB12", PRISMO_RGB12},
+      {"BGR12", PRISMO_BGR12},
+      {"YUV411_8_UYYVYY", PRISMO_YUV411},
+      {"YUV422_8_UYVY", PRISMO_YUV422},
+      {"YUV8_UYV", PRISMO_YUV444},
+      {"BGRA8", PRISMO_BGRA8},
+      {"BGRA10", PRISMO_BGRA10},
+      {"BGR8PadVexo", PRISMO_BGR8_PADDED},
+      {"Mono8Pad", PRISMO_MONO8_PADDED},
+  };
+  return formats;
+}
+
+size_t BytesOfRow(uint32_t code, uint32_t width) {
+  const size_t bytes = size_t{BitPerPixel(code)} * width / 8;
+  const bool padded = code == PRISMO_BGR8_PADDED || code == PRISMO_MONO8_PADDED;
+  return padded ? (bytes + 3) / 4 * 4 : bytes;
+}
+
+}  // namespace prismo::test
