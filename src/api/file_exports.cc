@@ -54,6 +54,16 @@ uint32_t SaveJpegQ(const void* image, uint32_t layout, uint32_t quality, uint32_
   return Code(SaveJpegPicture(image, JpegLayout(layout), quality, {width, height}, path));
 }
 
+uint32_t SaveJpegRaw(const void* image, uint32_t pixelFormat, uint32_t width, uint32_t height,
+                     const char* path) noexcept {
+  return Code(SaveJpegFrame(image, PixelFormat{pixelFormat}, {}, {width, height}, path));
+}
+
+uint32_t SaveJpegRQ(const void* image, uint32_t pixelFormat, uint32_t quality, uint32_t width,
+                    uint32_t height, const char* path) noexcept {
+  return Code(SaveJpegFrame(image, PixelFormat{pixelFormat}, quality, {width, height}, path));
+}
+
 uint32_t SaveRWH(const void* image, uint32_t pixelFormat, uint32_t width, uint32_t height,
                  const char* path) noexcept {
   return Code(SaveRawFrame(image, PixelFormat{pixelFormat}, {width, height}, path));
