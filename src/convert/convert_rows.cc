@@ -1,13 +1,16 @@
 #include "convert/convert_rows.h"
 
 #include <algorithm>
+#include <utility>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "convert/convert_rows.cc"
 #include "hwy/foreach_target.h"
 // After foreach_target.h.
+#include "convert/byte_moves-inl.h"
 #include "convert/sources-inl.h"
 #include "convert/yuv_sources-inl.h"
+#include "hwy/cache_control.h"
 #include "hwy/highway.h"
 #include "simd/sinks-inl.h"
 #include "simd/target_tables.h"
@@ -59,6 +62,9 @@ struct Scratch<PlanarSink, kPixels> {
 constexpr size_t kLineBytes = 64;
 constexpr size_t kStreamPixels = 64;  // of any size they fill whole lines
 
+// The processor's own prefetch falls behind beside streaming stores.
+constexpr size_t kPrefetchBytes = 2048;
+
 bool IsLine(const uint8_t* to) { return reinterpret_cast<uintptr_t>(to) % kLineBytes == 0; }
 
 template <class Sink>
@@ -93,19 +99,24 @@ struct Block {
   }
 };
 
-template <size_t kBytes>
-struct CopyBlock {
-  template <StoreKind kStores, class Source>
-  static HWY_INLINE void Convert(const Source&, const uint8_t* src, const PackedSink<kBytes>& sink) {
-    for (size_t i = 0; i < kBytes; ++i) {
-      Put<kStores>(hn::LoadU(D8(), src + kLanes * i), D8(), sink.dst + kLanes * i);
-    }
-  }
-};
+#if PRISMO_BYTE_PERMUTES
+template <size_t kPixelBytes>
+struct Block<Mono8Source, PackedSink<kPixelBytes>> : MoveBlock<Mono8Source> {};
+template <size_t kPixelBytes>
+struct Block<MonoNSource, PackedSink<kPixelBytes>> : MoveBlock<MonoNSource> {};
+template <size_t kPixelBytes>
+struct Block<Rgb8Source, PackedSink<kPixelBytes>> : MoveBlock<Rgb8Source> {};
 template <>
-struct Block<Bgr8Source, BgrSink> : CopyBlock<3> {};
+struct Block<Bgr8Source, BgraSink> : MoveBlock<Bgr8Source> {};
 template <>
-struct Block<Bgra8Source, BgraSink> : CopyBlock<4> {};
+struct Block<Bgra8Source, BgrSink> : MoveBlock<Bgra8Source> {};
+template <size_t kPixelBytes>
+struct Block<RgbNSource, PackedSink<kPixelBytes>> : MoveBlock<RgbNSource> {};
+template <size_t kPixelBytes>
+struct Block<BgrNSource, PackedSink<kPixelBytes>> : MoveBlock<BgrNSource> {};
+template <class Source>
+struct Block<SpillSource<Source>, BgraSink> : SpillBlock<Source> {};
+#endif
 
 template <class Source, class Sink, StoreKind kStores>
 HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src, size_t pixels) {
@@ -128,6 +139,8 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
     size_t x = PixelsToLine<Source>(sink, pixels);
     plain(0, x);
     for (; x + kStreamPixels <= pixels; x += kStreamPixels) {
+      const uint8_t* const ahead = src + Source::kGroup.Bytes(x) + kPrefetchBytes;
+      for (size_t i = 0; i < Source::kGroup.Bytes(kStreamPixels); i += kLineBytes) hwy::Prefetch(ahead + i);
       for (size_t i = 0; i < kStreamPixels; i += Source::kBlockPixels) {
         ThisBlock::template Convert<kStores>(source, src + Source::kGroup.Bytes(x + i), At(sink, x + i));
       }
@@ -139,6 +152,12 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
 template <class Source, class Sink, StoreKind kStores>
 void Run(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t shift) {
   RunTo<Source, Sink, kStores>(Source(shift), Sink{dst}, src, pixels);
+}
+
+// The C library knows best how to copy: beyond the cache, and in ways that vector stores do not offer.
+template <size_t kPixelBytes>
+void Copy(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t) {
+  std::memcpy(dst, src, kPixelBytes * pixels);
 }
 
 template <StoreKind kStores>
@@ -154,6 +173,13 @@ struct TableMaker {
   constexpr void Fill(prismo::Source source) {
     auto& run = kernels.run[static_cast<size_t>(source)];
     (FillSink<S, Sinks>(run[static_cast<size_t>(kPixelsOf<Sinks>)]), ...);
+  }
+
+  template <size_t kPixelBytes>
+  constexpr void FillCopy(prismo::Source source, Pixels pixels) {
+    for (ConvertRun& run : kernels.run[static_cast<size_t>(source)][static_cast<size_t>(pixels)]) {
+      run = &Copy<kPixelBytes>;
+    }
   }
 
  private:
@@ -176,8 +202,10 @@ constexpr ConvertKernels MakeTable() {
   table.Fill<MonoNSource, BgraSink, BgrSink, GreySink>(kMonoN);
   table.Fill<MonoNSpillSource, BgraSink>(kMonoNSpill);
   table.Fill<Rgb8Source, BgraSink, BgrSink>(kRgb8);
-  table.Fill<Bgr8Source, BgraSink, BgrSink>(kBgr8);
-  table.Fill<Bgra8Source, BgraSink, BgrSink>(kBgra8);
+  table.Fill<Bgr8Source, BgraSink>(kBgr8);
+  table.FillCopy<3>(kBgr8, Pixels::kBgr);
+  table.Fill<Bgra8Source, BgrSink>(kBgra8);
+  table.FillCopy<4>(kBgra8, Pixels::kBgra);
   table.Fill<RgbNSource, BgraSink, BgrSink>(kRgbN);
   table.Fill<BgrNSource, BgraSink, BgrSink>(kBgrN);
   table.Fill<SpillSource<RgbNSource>, BgraSink>(kRgbNSpill);

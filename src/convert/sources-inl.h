@@ -13,8 +13,55 @@
 #include "simd/samples-inl.h"
 #include "simd/sinks-inl.h"
 
+// Targets that permute bytes across a whole vector: conversions that only move bytes do it directly there.
+#undef PRISMO_BYTE_PERMUTES
+#define PRISMO_BYTE_PERMUTES (HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL)
+
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
+
+// Where the vectors that a source loads of a block have a channel of a pixel: 0 is blue, 1 green, 2 red.
+struct BytePlace {
+  size_t vector, byte;
+};
+
+#if PRISMO_BYTE_PERMUTES
+// Three interleaved channels of one block, each in order. Byte j of a channel is byte 3 j + channel.
+template <size_t kChannel>
+struct DeinterleaveIndices {
+  alignas(64) uint8_t index[64];
+  uint64_t third;  // lanes that come from the third vector
+
+  constexpr DeinterleaveIndices() : index{}, third{} {
+    for (size_t j = 0; j < 64; ++j) {
+      const size_t from = 3 * j + kChannel;
+      index[j] = static_cast<uint8_t>(from % 128);
+      if (from >= 128) third |= uint64_t{1} << j;
+    }
+  }
+};
+
+template <size_t kChannel>
+HWY_INLINE V8 Deinterleaved(V8 v0, V8 v1, V8 v2) {
+  static constexpr DeinterleaveIndices<kChannel> kIndices;
+  const __m512i index = _mm512_load_si512(kIndices.index);
+  return V8{_mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(v0.raw, index, v1.raw), kIndices.third,
+                                         index, v2.raw)};
+}
+#endif
+
+HWY_INLINE void LoadThreeChannels(const uint8_t* src, V8& c0, V8& c1, V8& c2) {
+#if PRISMO_BYTE_PERMUTES
+  const V8 v0 = hn::LoadU(D8(), src);
+  const V8 v1 = hn::LoadU(D8(), src + kLanes);
+  const V8 v2 = hn::LoadU(D8(), src + 2 * kLanes);
+  c0 = Deinterleaved<0>(v0, v1, v2);
+  c1 = Deinterleaved<1>(v0, v1, v2);
+  c2 = Deinterleaved<2>(v0, v1, v2);
+#else
+  hn::LoadInterleaved3(D8(), src, c0, c1, c2);
+#endif
+}
 
 template <prismo::Source kSource>
 struct ByteSource {
@@ -36,6 +83,10 @@ struct Mono8Source : ByteSource<prismo::Source::kMono8> {
   using ByteSource::ByteSource;
 
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const { b = g = r = hn::LoadU(D8(), src); }
+
+  static constexpr size_t kVectors = 1;
+  static constexpr BytePlace Place(size_t pixel, size_t) { return {0, pixel}; }
+  HWY_INLINE void LoadVectors(const uint8_t* src, V8 (&v)[1]) const { v[0] = hn::LoadU(D8(), src); }
 };
 
 struct MonoNSource : WordSource<prismo::Source::kMonoN> {
@@ -44,6 +95,15 @@ struct MonoNSource : WordSource<prismo::Source::kMonoN> {
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
     b = g = r = LoadShiftedWords(src, shift);
   }
+
+#if PRISMO_BYTE_PERMUTES
+  static constexpr size_t kVectors = 2;
+  static constexpr BytePlace Place(size_t pixel, size_t) { return {pixel / 32, pixel % 32 * 2}; }
+  HWY_INLINE void LoadVectors(const uint8_t* src, V8 (&v)[2]) const {
+    v[0] = hn::BitCast(D8(), ShiftRightWords(LoadWords(src), shift));
+    v[1] = hn::BitCast(D8(), ShiftRightWords(LoadWords(src + kLanes), shift));
+  }
+#endif
 };
 
 // Whole BGRA words: what does not fit a channel carries into the next.
@@ -67,21 +127,34 @@ struct MonoNSpillSource : WordSource<prismo::Source::kMonoN> {
   }
 };
 
-struct Rgb8Source : ByteSource<prismo::Source::kRgb8> {
-  using ByteSource::ByteSource;
+// Three bytes a pixel. kBlue, kRed: where they are in it.
+template <prismo::Source kSource, size_t kBlue, size_t kRed>
+struct ThreeByteSource : ByteSource<kSource> {
+  using ByteSource<kSource>::ByteSource;
 
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
-    hn::LoadInterleaved3(D8(), src, r, g, b);
+    if constexpr (kBlue == 0) {
+      LoadThreeChannels(src, b, g, r);
+    } else {
+      LoadThreeChannels(src, r, g, b);
+    }
   }
+
+#if PRISMO_BYTE_PERMUTES
+  // Vectors that overlap, so that each holds a quarter of the block's pixels whole.
+  static constexpr size_t kVectors = 4;
+  static constexpr size_t kStart[kVectors] = {0, 48, 96, 128};
+  static constexpr BytePlace Place(size_t pixel, size_t channel) {
+    return {pixel / 16, 3 * pixel + (channel == 0 ? kBlue : channel == 1 ? 1 : kRed) - kStart[pixel / 16]};
+  }
+  HWY_INLINE void LoadVectors(const uint8_t* src, V8 (&v)[kVectors]) const {
+    for (size_t i = 0; i < kVectors; ++i) v[i] = hn::LoadU(D8(), src + kStart[i]);
+  }
+#endif
 };
 
-struct Bgr8Source : ByteSource<prismo::Source::kBgr8> {
-  using ByteSource::ByteSource;
-
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
-    hn::LoadInterleaved3(D8(), src, b, g, r);
-  }
-};
+using Rgb8Source = ThreeByteSource<prismo::Source::kRgb8, 2, 0>;
+using Bgr8Source = ThreeByteSource<prismo::Source::kBgr8, 0, 2>;
 
 struct Bgra8Source : ByteSource<prismo::Source::kBgra8> {
   using ByteSource::ByteSource;
@@ -90,41 +163,62 @@ struct Bgra8Source : ByteSource<prismo::Source::kBgra8> {
     V8 a;
     hn::LoadInterleaved4(D8(), src, b, g, r, a);
   }
+
+#if PRISMO_BYTE_PERMUTES
+  static constexpr size_t kVectors = 4;
+  static constexpr BytePlace Place(size_t pixel, size_t channel) {
+    return {pixel / 16, pixel % 16 * 4 + channel};
+  }
+  HWY_INLINE void LoadVectors(const uint8_t* src, V8 (&v)[kVectors]) const {
+    for (size_t i = 0; i < kVectors; ++i) v[i] = hn::LoadU(D8(), src + kLanes * i);
+  }
+#endif
 };
 
 // Three words a pixel.
-struct ThreeWordSource : WordSource<prismo::Source::kRgbN> {
-  using WordSource::WordSource;
+template <prismo::Source kSource, size_t kBlue, size_t kRed>
+struct ThreeWordSource : WordSource<kSource> {
+  using WordSource<kSource>::WordSource;
+  using WordSource<kSource>::shift;
 
-  HWY_INLINE void LoadThree(const uint8_t* src, V8& c0, V8& c1, V8& c2) const {
+  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
+    V8 v[3];
+    LoadVectors(src, v);
     HWY_ALIGN uint8_t bytes[3 * kLanes];
-    for (size_t i = 0; i < 3; ++i) {
-      hn::Store(LoadShiftedWords(src + 2 * kLanes * i, shift), D8(), bytes + kLanes * i);
+    for (size_t i = 0; i < 3; ++i) hn::Store(v[i], D8(), bytes + kLanes * i);
+    if constexpr (kBlue == 0) {
+      LoadThreeChannels(bytes, b, g, r);
+    } else {
+      LoadThreeChannels(bytes, r, g, b);
     }
-    hn::LoadInterleaved3(D8(), bytes, c0, c1, c2);
+  }
+
+  // The words cut to bytes, in their order.
+  static constexpr size_t kVectors = 3;
+  static constexpr BytePlace Place(size_t pixel, size_t channel) {
+    const size_t byte = 3 * pixel + (channel == 0 ? kBlue : channel == 1 ? 1 : kRed);
+    return {byte / kLanes, byte % kLanes};
+  }
+  HWY_INLINE void LoadVectors(const uint8_t* src, V8 (&v)[kVectors]) const {
+    for (size_t i = 0; i < kVectors; ++i) v[i] = LoadShiftedWords(src + 2 * kLanes * i, shift);
   }
 };
 
-struct RgbNSource : ThreeWordSource {
-  using ThreeWordSource::ThreeWordSource;
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const { LoadThree(src, r, g, b); }
-};
-
-struct BgrNSource : ThreeWordSource {
-  using ThreeWordSource::ThreeWordSource;
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const { LoadThree(src, b, g, r); }
-};
+using RgbNSource = ThreeWordSource<prismo::Source::kRgbN, 2, 0>;
+using BgrNSource = ThreeWordSource<prismo::Source::kBgrN, 0, 2>;
 
 // Bits beyond the low 8 of blue go to green, those of green to red; alpha is all ones already.
 template <class Source>
 struct SpillSource : Source {
   using Source::Source;
 
+  // The same source of what is beyond the low 8 bits.
+  HWY_INLINE Source Excess() const { return Source(static_cast<uint32_t>(std::min(this->shift + 8, 16))); }
+
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
-    const Source excess(static_cast<uint32_t>(std::min(this->shift + 8, 16)));
     V8 b_excess, g_excess, r_excess;
     Source::Load(src, b, g, r);
-    excess.Load(src, b_excess, g_excess, r_excess);
+    Excess().Load(src, b_excess, g_excess, r_excess);
     g = hn::Or(g, b_excess);
     r = hn::Or(r, g_excess);
   }

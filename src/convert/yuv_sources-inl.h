@@ -6,9 +6,8 @@
 #define PRISMO_CONVERT_YUV_SOURCES_INL_H_
 #endif
 
-#include "convert/convert_rows.h"
+#include "convert/sources-inl.h"
 #include "convert/tables.h"
-#include "simd/samples-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
@@ -72,14 +71,15 @@ HWY_INLINE VI16 ChromaOffset(VI16 chroma, const ChromaRule& rule) {
 }
 
 // What is subtracted from luma for green: round(0.344 (U - 128) + 0.714 (V - 128)), where the products and
-// their sum are rounded to single precision. Chroma pairs are halfway between integers often enough that no
-// fixed-point form gives the same. The arguments are U - 128 and V - 128 in the high halves of their lanes.
+// their sum are rounded to single precision, which decides the 130 pairs that are halfway between integers:
+// no fixed-point form gives the same. Adding the half of the rounding to one product first, fused or not,
+// does. The arguments are U - 128 and V - 128 in the high halves of their lanes.
 HWY_INLINE VI32 GreenOffset(VI32 u_high, VI32 v_high) {
   const DF32 df;
   constexpr float kUnit = 1.0F / 65536;
-  const auto u = hn::Mul(hn::ConvertTo(df, u_high), hn::Set(df, 0.344F * kUnit));
+  const auto u = hn::MulAdd(hn::ConvertTo(df, u_high), hn::Set(df, 0.344F * kUnit), hn::Set(df, 0.5F));
   const auto v = hn::Mul(hn::ConvertTo(df, v_high), hn::Set(df, 0.714F * kUnit));
-  const auto sum = hn::Add(hn::Add(u, v), hn::Set(df, 0.5F));
+  const auto sum = hn::Add(u, v);
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
   return VI32{_mm512_cvt_roundps_epi32(sum.raw, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)};
 #else
@@ -153,6 +153,21 @@ HWY_INLINE void AddPairOffsets(VI16 y, VI16 blue_red, VI32 green, VI16& b, VI16&
   r = hn::Add(y, Spread<kFirst + 1, kRepeat>(blue_red));
 }
 
+#if PRISMO_BYTE_PERMUTES
+// Bytes of a block of 96, out of two vectors that hold its first and its last 64.
+struct Yuv411Indices {
+  alignas(64) uint8_t luma[64];
+  alignas(64) uint8_t chroma[64];  // in the low bytes of words
+
+  constexpr Yuv411Indices() : luma{}, chroma{} {
+    constexpr size_t kLuma[4] = {1, 2, 4, 5};
+    const auto place = [](size_t byte) { return static_cast<uint8_t>(byte < 64 ? byte : byte + 32); };
+    for (size_t j = 0; j < 64; ++j) luma[j] = place(j / 4 * 6 + kLuma[j % 4]);
+    for (size_t j = 0; j < 32; ++j) chroma[2 * j] = place(3 * j);
+  }
+};
+#endif
+
 // U Y0 Y1 V Y2 Y3.
 struct Yuv411Source {
   static constexpr size_t kBlockPixels = kLanes;
@@ -174,6 +189,18 @@ struct Yuv411Source {
   }
 
  private:
+#if PRISMO_BYTE_PERMUTES
+  static HWY_INLINE void LoadGroups(const uint8_t* src, VI16& uv, VI16& y_low, VI16& y_high) {
+    static constexpr Yuv411Indices kIndices;
+    constexpr __mmask64 kLowBytes = 0x5555555555555555;
+    const __m512i first = _mm512_loadu_si512(src);
+    const __m512i last = _mm512_loadu_si512(src + 32);
+    const __m512i y = _mm512_permutex2var_epi8(first, _mm512_load_si512(kIndices.luma), last);
+    uv = VI16{_mm512_maskz_permutex2var_epi8(kLowBytes, first, _mm512_load_si512(kIndices.chroma), last)};
+    y_low = WordsOfLowerHalves(V8{y});
+    y_high = WordsOfUpperHalves(V8{y});
+  }
+#else
   // Each byte of chroma comes before two of luma.
   static HWY_INLINE void LoadGroups(const uint8_t* src, VI16& uv, VI16& y_low, VI16& y_high) {
     const hn::Half<D8> half;
@@ -186,6 +213,7 @@ struct Yuv411Source {
     y_low = hn::InterleaveLower(d16, even, odd);
     y_high = hn::InterleaveUpper(d16, even, odd);
   }
+#endif
 };
 
 // U Y0 V Y1.
@@ -237,7 +265,7 @@ struct Yuv444Source {
 
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
     V8 u, y, v;
-    hn::LoadInterleaved3(D8(), src, u, y, v);
+    LoadThreeChannels(src, u, y, v);
     VI16 b_low, g_low, r_low, b_high, g_high, r_high;
     Channels(WordsOfLowerHalves(u), WordsOfLowerHalves(y), WordsOfLowerHalves(v), b_low, g_low, r_low);
     Channels(WordsOfUpperHalves(u), WordsOfUpperHalves(y), WordsOfUpperHalves(v), b_high, g_high, r_high);

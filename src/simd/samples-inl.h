@@ -18,9 +18,14 @@ HWY_INLINE V16 ShiftRightWords(V16 v, int shift) {
 // Vectors of words, from anywhere.
 template <class D>
 HWY_INLINE hn::Vec<D> LoadWords(D d, const uint8_t* src) {
-  HWY_ALIGN uint16_t words[hn::MaxLanes(d)];
-  std::memcpy(words, src, sizeof(words));
-  return hn::Load(d, words);
+#if HWY_TARGET == HWY_SCALAR
+  uint16_t word;
+  std::memcpy(&word, src, sizeof(word));
+  return hn::Set(d, word);
+#else
+  const hn::Repartition<uint8_t, D> bytes;
+  return hn::BitCast(d, hn::LoadU(bytes, src));
+#endif
 }
 
 HWY_INLINE V16 LoadWords(const uint8_t* src) { return LoadWords(D16(), src); }
