@@ -2,6 +2,7 @@
 
 #include <hwy/cache_control.h>
 
+#include "platform/process.h"
 #include "platform/word_wait.h"
 
 namespace prismo::platform {
@@ -17,7 +18,10 @@ void CriticalSection::WaitForIt() noexcept {
     if (state_.load(std::memory_order_relaxed) == kFree && try_lock()) return;
   }
   // Whoever gets the lock here cannot know whether others are still asleep, so it passes the mark on.
-  while (state_.exchange(kAwaited, std::memory_order_acquire) != kFree) WaitWhile(state_, kAwaited, kNoLimit);
+  // Threads that the end of the process has cut off leave their locks held, and nobody to be kept out.
+  while (state_.exchange(kAwaited, std::memory_order_acquire) != kFree && !OtherThreadsAreGone()) {
+    WaitWhile(state_, kAwaited, kNoLimit);
+  }
 }
 
 void CriticalSection::WakeNext() noexcept { WakeOne(state_); }

@@ -7,8 +7,8 @@
 
 #include <new>
 
-#include "platform/processors.h"
 #include "platform/tick_counter.h"
+#include "platform/word_wait.h"
 
 namespace prismo::platform {
 namespace {
@@ -38,9 +38,8 @@ bool Event::Wait(uint32_t timeout_ms) noexcept {
   if (timeout_ms == 0) return false;
 
   // Whoever is to set the event may be waiting for this very processor, so it is offered with every look.
-  static const bool can_spin = ProcessorCount() > 1;
   static const uint64_t spin = static_cast<uint64_t>(TickFrequency() / kSpinsPerSecond);
-  if (can_spin) {
+  if (CanSpin()) {
     const uint64_t start = TickCount();
     do {
       SwitchToThread();
