@@ -15,8 +15,10 @@ struct HeldBody {
   std::atomic<int32_t> inside{0};
   Gate gate;
   Body body = [this](MPWork* work) {
-    ++inside;
-    ForEachBlock(work, [this](int32_t, int32_t) { gate.Pass(); });
+    ForEachBlock(work, [this](int32_t, int32_t) {
+      ++inside;
+      gate.Pass();
+    });
   };
 };
 
