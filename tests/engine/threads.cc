@@ -38,7 +38,7 @@ bool WorkerThreadsAre(int32_t count) {
 int32_t NiceOfThread(uint32_t thread_id) {
   errno = 0;
   const int nice = getpriority(PRIO_PROCESS, thread_id);
-  return errno == 0 ? nice : -100;
+  return errno == 0 ? nice : kNoNiceValue;
 }
 
 ThreadLimit::ThreadLimit(int32_t threads) { threads_allowed = threads; }

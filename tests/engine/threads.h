@@ -9,7 +9,9 @@ namespace prismo::mp {
 // to name new threads and to strike out ended ones.
 bool WorkerThreadsAre(int32_t count);
 
-// Nice value of a thread; -100 when there is no such thread.
+inline constexpr int32_t kNoNiceValue = -100;
+
+// Nice value of a thread; kNoNiceValue when there is no such thread, or where threads have none.
 int32_t NiceOfThread(uint32_t thread_id);
 
 // While it exists, only this many more threads can be made.

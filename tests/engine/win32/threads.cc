@@ -1,0 +1,35 @@
+#include "engine/threads.h"
+
+#include <windows.h>
+
+#include <tlhelp32.h>
+
+#include "engine/pool_tools.h"
+
+namespace prismo::mp {
+namespace {
+
+int32_t ThreadsOfThisProcess() {
+  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+  THREADENTRY32 entry{};
+  entry.dwSize = sizeof(entry);
+  int32_t threads = 0;
+  for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
+    threads += entry.th32OwnerProcessID == GetCurrentProcessId();
+  }
+  CloseHandle(snapshot);
+  return threads;
+}
+
+// Whoever asks is the only thread beside the workers.
+const int32_t others = ThreadsOfThisProcess();
+
+}  // namespace
+
+bool WorkerThreadsAre(int32_t count) {
+  return Eventually([&] { return ThreadsOfThisProcess() - others == count; });
+}
+
+int32_t NiceOfThread(uint32_t) { return kNoNiceValue; }
+
+}  // namespace prismo::mp
