@@ -72,7 +72,7 @@ TEST(Unload, AfterConversions) {
     ConvertOnPool(library);
     if (HasFailure()) return;
   }
-  EXPECT_EQ(ThreadsAfterAWhile(before), before);
+  EXPECT_LE(ThreadsAfterAWhile(before), before);
 }
 
 TEST(Unload, AfterTerminatingThePool) {
@@ -90,7 +90,7 @@ TEST(Unload, RightAfterStartingThreads) {
     const Library library;
     EXPECT_EQ(PRISMO_GET(library, StartMPThreads)(16), 0u);
   }
-  EXPECT_EQ(ThreadsAfterAWhile(before), before);
+  EXPECT_LE(ThreadsAfterAWhile(before), before);
 }
 
 decltype(&MPWorkTakeBlock) take_block;
@@ -120,7 +120,7 @@ TEST(Unload, WithWorkPending) {
     }
     while (InterlockedCompareExchange(&blocks, 0, 0) == 0) Sleep(1);
   }
-  EXPECT_EQ(ThreadsAfterAWhile(before), before);
+  EXPECT_LE(ThreadsAfterAWhile(before), before);
 }
 
 }  // namespace

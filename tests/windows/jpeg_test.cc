@@ -81,6 +81,9 @@ TEST_F(Jpeg, ShowsTheCameraFrame) {
 }
 
 TEST_F(Jpeg, LowerQualityMakesSmallerFiles) {
+  if (GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version")) {
+    GTEST_SKIP() << "Wine's encoder takes no quality";
+  }
   const auto picture = Picture(4, kWidth);
   size_t before = 0;
   for (const uint32_t quality : {10u, 50u, 100u}) {
