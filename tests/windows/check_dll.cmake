@@ -1,5 +1,6 @@
 # The library exports the names of the list and no others, and needs no other libraries than the system's.
 # cmake -D OBJDUMP= -D DLL= -D LIST= -P check_dll.cmake
+cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND ${OBJDUMP} -p ${DLL} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
 
 string(REGEX MATCHALL "\n\t\\[ *[0-9]+\\] [A-Za-z0-9_]+" exported "${headers}")
