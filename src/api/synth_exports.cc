@@ -2,6 +2,7 @@
 #include "PrismoUtl.h"
 
 #include "synth/to_bayer.h"
+#include "synth/to_raw.h"
 
 using namespace prismo;
 
@@ -44,6 +45,12 @@ uint32_t ToBayer10to12(void* dst, const void* src, const int32_t* siteChannels, 
                        uint32_t height, int32_t samplesPerPixel, uint8_t pad) noexcept {
   return Code(
       MakeBayer(BayerDepths::k10to12, dst, src, siteChannels, {width, height, samplesPerPixel, pad != 0}));
+}
+
+uint32_t ToRaw(void* dst, const void* src, uint32_t targetFormat, uint32_t sourceFormat, uint32_t width,
+               uint32_t height, uint8_t pad) noexcept {
+  return Code(
+      MakeRaw(dst, src, PixelFormat{targetFormat}, {PixelFormat{sourceFormat}, {width, height}, pad != 0}));
 }
 
 }  // extern "C"

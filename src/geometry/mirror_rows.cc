@@ -10,7 +10,7 @@
 #include "hwy/foreach_target.h"
 // After foreach_target.h.
 #include "hwy/highway.h"
-#include "simd/pieces-inl.h"
+#include "simd/rearrange-inl.h"
 #include "simd/target_tables.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -37,121 +37,26 @@ struct Words3Unit {
   static constexpr uint8_t kOrder[] = {0, 1, 2, 3, 4, 5};
 };
 
-// Whole units that fill whole cache lines, so that streaming stores leave no line half written. Each target
-// has its way to mirror such a block of bytes.
 inline constexpr size_t kLine = 64;
 template <class Unit>
 inline constexpr size_t kUnitBytes = std::size(Unit::kOrder);
+
+// Whole units that fill whole cache lines, so that streaming stores leave no line half written.
 template <class Unit>
 inline constexpr size_t kBlockBytes = kUnitBytes<Unit> % 3 == 0 ? 3 * kLine : kLine;
 
-// Where byte i of a mirrored block comes from.
 template <class Unit>
-constexpr size_t SourceOf(size_t i) {
-  constexpr size_t kUnit = kUnitBytes<Unit>;
-  return kBlockBytes<Unit> - kUnit * (i / kUnit + 1) + Unit::kOrder[i % kUnit];
-}
+struct Mirrored {
+  static constexpr size_t kIn = kBlockBytes<Unit>;
+  static constexpr size_t kOut = kBlockBytes<Unit>;
 
-#if HWY_TARGET == HWY_SCALAR
-
-template <class Unit, StoreKind>
-HWY_INLINE void MirrorBlock(uint8_t* to, const uint8_t* from) {
-  for (size_t i = 0; i < kBlockBytes<Unit>; ++i) to[i] = from[SourceOf<Unit>(i)];
-}
-
-#elif HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
-
-// Byte permutes reach across whole vectors.
-template <class Unit>
-struct MirrorIndices {
-  static constexpr size_t kVectors = kBlockBytes<Unit> / kLanes;
-  alignas(64) uint8_t index[kVectors][kLanes];  // within two vectors
-  uint64_t third[kVectors];                     // lanes that come from the third one
-
-  constexpr MirrorIndices() : index{}, third{} {
-    for (size_t i = 0; i < kBlockBytes<Unit>; ++i) {
-      const size_t from = SourceOf<Unit>(i);
-      index[i / kLanes][i % kLanes] = static_cast<uint8_t>(from % (2 * kLanes));
-      if (from >= 2 * kLanes) third[i / kLanes] |= uint64_t{1} << i % kLanes;
-    }
+  static constexpr size_t SourceOf(size_t i) {
+    constexpr size_t kUnit = kUnitBytes<Unit>;
+    return kIn - kUnit * (i / kUnit + 1) + Unit::kOrder[i % kUnit];
   }
 };
-
-template <class Unit, size_t kVector>
-HWY_INLINE V8 MirroredVector(const uint8_t* from) {
-  static constexpr MirrorIndices<Unit> kIndices;
-  const __m512i index = _mm512_load_si512(kIndices.index[kVector]);
-  const __m512i v0 = _mm512_loadu_si512(from);
-  if constexpr (kIndices.kVectors == 1) {
-    return V8{_mm512_permutexvar_epi8(index, v0)};
-  } else {
-    const __m512i v1 = _mm512_loadu_si512(from + kLanes);
-    const __m512i v2 = _mm512_loadu_si512(from + 2 * kLanes);
-    return V8{_mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(v0, index, v1), kIndices.third[kVector],
-                                           index, v2)};
-  }
-}
-
-#else
-
-// A piece of the output comes from one piece of the input, or from two that overlap where units straddle the
-// pieces of the output.
-template <class Unit>
-struct MirrorPieces {
-  static constexpr size_t kPieces = kBlockBytes<Unit> / kPiece;
-  static constexpr uint8_t kElsewhere = 0x80;  // looks up a zero
-
-  size_t low[kPieces];  // where the two pieces of the input start
-  size_t high[kPieces];
-  alignas(64) uint8_t from_low[kBlockBytes<Unit>];  // indices within a piece
-  alignas(64) uint8_t from_high[kBlockBytes<Unit>];
-  bool low_suffices = true;
-
-  constexpr MirrorPieces() : low{}, high{}, from_low{}, from_high{} {
-    for (size_t piece = 0; piece < kPieces; ++piece) {
-      size_t first = kBlockBytes<Unit>, last = 0;
-      for (size_t i = piece * kPiece; i < (piece + 1) * kPiece; ++i) {
-        first = std::min(first, SourceOf<Unit>(i));
-        last = std::max(last, SourceOf<Unit>(i));
-      }
-      low[piece] = first;
-      high[piece] = last + 1 - kPiece;
-      low_suffices = low_suffices && low[piece] == high[piece];
-      for (size_t i = piece * kPiece; i < (piece + 1) * kPiece; ++i) {
-        const size_t from = SourceOf<Unit>(i);
-        const bool in_low = from - low[piece] < kPiece;
-        from_low[i] = in_low ? static_cast<uint8_t>(from - low[piece]) : kElsewhere;
-        from_high[i] = in_low ? kElsewhere : static_cast<uint8_t>(from - high[piece]);
-      }
-    }
-  }
-};
-
-template <class Unit, size_t kVector>
-HWY_INLINE V8 MirroredVector(const uint8_t* from) {
-  static constexpr MirrorPieces<Unit> kPieces;
-  const D8 d8;
-  constexpr size_t kFirst = kVector * kLanes / kPiece;
-  const V8 low = LoadPieces<kFirst>(d8, from, kPieces.low);
-  const V8 from_low = hn::Load(d8, kPieces.from_low + kVector * kLanes);
-  if constexpr (kPieces.low_suffices) {
-    return hn::TableLookupBytes(low, from_low);
-  } else {
-    const V8 high = LoadPieces<kFirst>(d8, from, kPieces.high);
-    const V8 from_high = hn::Load(d8, kPieces.from_high + kVector * kLanes);
-    return hn::Or(hn::TableLookupBytesOr0(low, from_low), hn::TableLookupBytesOr0(high, from_high));
-  }
-}
-
-#endif
 
 #if HWY_TARGET != HWY_SCALAR
-
-template <class Unit, StoreKind kStores, size_t kVector = 0>
-HWY_INLINE void MirrorBlock(uint8_t* to, const uint8_t* from) {
-  Put<kStores>(MirroredVector<Unit, kVector>(from), D8(), to + kVector * kLanes);
-  if constexpr ((kVector + 1) * kLanes < kBlockBytes<Unit>) MirrorBlock<Unit, kStores, kVector + 1>(to, from);
-}
 
 // Bytes of two rows that meet within a block, `seam` bytes behind its start. The vectors lie `first` bytes
 // behind it.
@@ -163,8 +68,8 @@ HWY_INLINE V8 AcrossSeam(size_t seam, size_t first, V8 before, V8 behind) {
 template <class Unit, size_t kVector = 0>
 HWY_INLINE void MirrorSeam(uint8_t* to, const uint8_t* before, const uint8_t* behind, size_t seam) {
   constexpr size_t kFirst = kVector * kLanes;
-  const V8 mirrored =
-      AcrossSeam(seam, kFirst, MirroredVector<Unit, kVector>(before), MirroredVector<Unit, kVector>(behind));
+  const V8 mirrored = AcrossSeam(seam, kFirst, Rearranged<Mirrored<Unit>, kVector>(before),
+                                 Rearranged<Mirrored<Unit>, kVector>(behind));
   hn::Stream(mirrored, D8(), to + kFirst);
   if constexpr (kFirst + kLanes < kBlockBytes<Unit>) MirrorSeam<Unit, kVector + 1>(to, before, behind, seam);
 }
@@ -175,7 +80,7 @@ HWY_INLINE void MirrorSeam(uint8_t* to, const uint8_t* before, const uint8_t* be
 template <class Unit>
 HWY_INLINE void MirrorPart(uint8_t* to, const uint8_t* from, size_t first, size_t count) {
   alignas(64) uint8_t block[kBlockBytes<Unit>];
-  MirrorBlock<Unit, StoreKind::kCached>(block, from);
+  Rearrange<Mirrored<Unit>, StoreKind::kCached>(block, from);
   std::memcpy(to, block + first, count);
 }
 
@@ -203,7 +108,7 @@ HWY_INLINE void MirrorRun(uint8_t* dst, const uint8_t* src, size_t bytes) {
     return MirrorPart<Unit>(dst, block, kBlock - bytes, bytes);
   }
   const auto block = [&](size_t x) HWY_ATTR {
-    MirrorBlock<Unit, StoreKind::kCached>(dst + bytes - x - kBlock, src + x);
+    Rearrange<Mirrored<Unit>, StoreKind::kCached>(dst + bytes - x - kBlock, src + x);
   };
   size_t x = BytesDownToLine<Unit>(dst + bytes);
   if (x > 0) block(0);
@@ -239,7 +144,7 @@ void MirrorStreaming(uint8_t* dst, const uint8_t* src, size_t row_bytes, size_t 
     const size_t head = BytesDownToLine<Unit>(end);
     for (size_t x = head; x + start < row_bytes; x += kBlock) {
       for (size_t line = 0; line < kBlock; line += kLine) hwy::Prefetch(from + x + line + kPrefetchAhead);
-      MirrorBlock<Unit, StoreKind::kStreaming>(end - x - kBlock, from + x);
+      Rearrange<Mirrored<Unit>, StoreKind::kStreaming>(end - x - kBlock, from + x);
     }
     start = (kBlock - head) % kBlock;
     if (head == 0) continue;

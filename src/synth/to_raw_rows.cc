@@ -1,0 +1,402 @@
+#include "synth/to_raw_rows.h"
+
+#include <algorithm>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "synth/to_raw_rows.cc"
+#include "hwy/foreach_target.h"
+// After foreach_target.h.
+#include "hwy/highway.h"
+#include "simd/rearrange-inl.h"
+#include "simd/sinks-inl.h"
+#include "simd/target_tables.h"
+#include "synth/block_run-inl.h"
+#include "synth/luma_chroma-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace prismo::HWY_NAMESPACE {
+namespace {
+
+// Pixels of three (BGR) or four (BGRA) bytes are read in parts of 64, and written in blocks of one or more
+// parts.
+inline constexpr size_t kPart = 64;
+
+template <size_t kInPixelBytes, size_t kGroupPixels, size_t kGroupBytes, size_t kBlockPixels = kPart>
+struct Target {
+  static constexpr size_t kPixelBytes = kInPixelBytes;
+  static constexpr size_t kGroup = kGroupPixels;
+  static constexpr size_t kBlock = kBlockPixels;
+  uint32_t extra_bits;
+
+  static constexpr size_t InBytes(size_t pixels) { return kPixelBytes * pixels; }
+  static constexpr size_t OutBytes(size_t pixels) { return pixels / kGroup * kGroupBytes; }
+};
+
+// Three bytes of each pixel, from the last (red) or from the first.
+template <size_t kPixelBytes, bool kRedFirst>
+struct ThreeChannels {
+  static constexpr size_t kIn = kPixelBytes * kPart;
+  static constexpr size_t kOut = 3 * kPart;
+
+  static constexpr size_t SourceOf(size_t i) { return i / 3 * kPixelBytes + (kRedFirst ? 2 - i % 3 : i % 3); }
+};
+
+template <size_t kPixelBytes, bool kRedFirst>
+struct ToThreeBytes : Target<kPixelBytes, 1, 3> {
+  template <StoreKind kStores>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    Rearrange<ThreeChannels<kPixelBytes, kRedFirst>, kStores>(to, from);
+  }
+};
+
+#if HWY_TARGET == HWY_SCALAR
+
+struct PixelSum {
+  int b = 0, g = 0, r = 0;
+
+  void Add(const uint8_t* pixel) {
+    b += pixel[0];
+    g += pixel[1];
+    r += pixel[2];
+  }
+};
+
+uint8_t LumaByte(const uint8_t* pixel) { return static_cast<uint8_t>(LumaOf(pixel[0], pixel[1], pixel[2])); }
+
+template <int kPixels>
+uint8_t ChromaUByte(const PixelSum& sum) {
+  return static_cast<uint8_t>(static_cast<int>(ChromaUOf<kPixels>(sum.b, sum.g, sum.r)));
+}
+
+template <int kPixels>
+uint8_t ChromaVByte(const PixelSum& sum) {
+  return static_cast<uint8_t>(static_cast<int>(ChromaVOf<kPixels>(sum.b, sum.g, sum.r)));
+}
+
+template <size_t kPixelBytes, bool kRedFirst>
+struct ToThreeWords : Target<kPixelBytes, 1, 6> {
+  template <StoreKind>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    uint8_t bytes[3 * kPart];
+    Rearrange<ThreeChannels<kPixelBytes, kRedFirst>, StoreKind::kCached>(bytes, from);
+    for (size_t i = 0; i < 3 * kPart; ++i) {
+      const auto word = static_cast<uint16_t>(bytes[i] << this->extra_bits);
+      std::memcpy(to + 2 * i, &word, 2);
+    }
+  }
+};
+
+template <size_t kPixelBytes>
+struct ToMono8 : Target<kPixelBytes, 1, 1> {
+  template <StoreKind>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    for (size_t i = 0; i < kPart; ++i) to[i] = LumaByte(from + kPixelBytes * i);
+  }
+};
+
+template <size_t kPixelBytes>
+struct ToMonoN : Target<kPixelBytes, 1, 2> {
+  template <StoreKind>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    for (size_t i = 0; i < kPart; ++i, from += kPixelBytes) {
+      const auto word = static_cast<uint16_t>(LumaOf(from[0], from[1], from[2], 1 << this->extra_bits));
+      std::memcpy(to + 2 * i, &word, 2);
+    }
+  }
+};
+
+// One group: U, the first half of the lumas (of one, that one), V, the other half.
+template <size_t kPixelBytes, int kPixels>
+struct ToYuv : Target<kPixelBytes, kPixels, kPixels == 4 ? 6 : kPixels + 2> {
+  template <StoreKind>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    for (size_t x = 0; x < kPart; x += kPixels, from += kPixels * kPixelBytes) {
+      PixelSum sum;
+      for (size_t i = 0; i < kPixels; ++i) sum.Add(from + kPixelBytes * i);
+      constexpr size_t kHalf = (kPixels + 1) / 2;
+      *to++ = ChromaUByte<kPixels>(sum);
+      for (size_t i = 0; i < kHalf; ++i) *to++ = LumaByte(from + kPixelBytes * i);
+      *to++ = ChromaVByte<kPixels>(sum);
+      for (size_t i = kHalf; i < kPixels; ++i) *to++ = LumaByte(from + kPixelBytes * i);
+    }
+  }
+};
+
+template <size_t kPixelBytes>
+using ToYuv444 = ToYuv<kPixelBytes, 1>;
+template <size_t kPixelBytes>
+using ToYuv422 = ToYuv<kPixelBytes, 2>;
+template <size_t kPixelBytes>
+using ToYuv411 = ToYuv<kPixelBytes, 4>;
+
+#else
+
+inline constexpr size_t kLanes32 = kLanes / 4;  // pixels that one vector of 32-bit lanes holds
+
+struct BgrToLanes {
+  static constexpr size_t kIn = 3 * kPart;
+  static constexpr size_t kOut = 4 * kPart;
+
+  static constexpr size_t SourceOf(size_t i) { return i % 4 == 3 ? kNowhere : i / 4 * 3 + i % 4; }
+};
+
+// Vector kVector of the pixels that start at `from`.
+template <size_t kPixelBytes, size_t kVector>
+HWY_INLINE void LoadPixels(const uint8_t* from, VI16& blue_red, VI16& green) {
+  V8 pixels;
+  if constexpr (kPixelBytes == 4) {
+    pixels = hn::LoadU(D8(), from + kVector * kLanes);
+  } else {
+    constexpr size_t kVectors = kPart / kLanes32;
+    pixels = Rearranged<BgrToLanes, kVector % kVectors>(from + kVector / kVectors * BgrToLanes::kIn);
+  }
+  SplitPixels(hn::BitCast(D32(), pixels), blue_red, green);
+}
+
+// Packing puts into 128-bit block q what the blocks q of its arguments hold, one after the other. This brings
+// what came from vectors that follow each other back into order, kPieces pieces from each block.
+template <size_t kPieces>
+HWY_INLINE V8 InOrder(V8 packed) {
+  constexpr size_t kBlocks = kLanes / 16;
+  if constexpr (kBlocks == 1) {
+    return packed;
+  } else {
+    using T = std::conditional_t<kPieces == 4, uint32_t, uint64_t>;
+    const hn::ScalableTag<T> d;
+    HWY_ALIGN static constexpr auto kOrder = [] {
+      struct {
+        T index[kBlocks * kPieces];
+      } order{};
+      for (size_t i = 0; i < kBlocks * kPieces; ++i) order.index[i] = kPieces * (i % kBlocks) + i / kBlocks;
+      return order;
+    }();
+    const auto order = hn::SetTableIndices(d, kOrder.index);
+    return hn::BitCast(D8(), hn::TableLookupLanes(hn::BitCast(d, packed), order));
+  }
+}
+
+// Lanes of up to 8 bits as bytes, out of order.
+HWY_INLINE V8 PackBytes(const VI32 (&v)[4]) {
+  const VI16 low = hn::ReorderDemote2To(DI16(), v[0], v[1]);
+  const VI16 high = hn::ReorderDemote2To(DI16(), v[2], v[3]);
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  return V8{_mm512_packus_epi16(low.raw, high.raw)};
+#elif HWY_TARGET == HWY_AVX2
+  return V8{_mm256_packus_epi16(low.raw, high.raw)};
+#elif HWY_ARCH_X86
+  return V8{_mm_packus_epi16(low.raw, high.raw)};
+#else
+  const hn::Half<D8> half;
+  return hn::Combine(D8(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+#endif
+}
+
+// Sums of neighbouring 32-bit lanes, out of order as packed ones are.
+HWY_INLINE VI16 AddNeighbours(VI16 a, VI16 b) {
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  const __m512 x = _mm512_castsi512_ps(a.raw), y = _mm512_castsi512_ps(b.raw);
+  const VI16 even{_mm512_castps_si512(_mm512_shuffle_ps(x, y, _MM_SHUFFLE(2, 0, 2, 0)))};
+  const VI16 odd{_mm512_castps_si512(_mm512_shuffle_ps(x, y, _MM_SHUFFLE(3, 1, 3, 1)))};
+#elif HWY_TARGET == HWY_AVX2
+  const __m256 x = _mm256_castsi256_ps(a.raw), y = _mm256_castsi256_ps(b.raw);
+  const VI16 even{_mm256_castps_si256(_mm256_shuffle_ps(x, y, _MM_SHUFFLE(2, 0, 2, 0)))};
+  const VI16 odd{_mm256_castps_si256(_mm256_shuffle_ps(x, y, _MM_SHUFFLE(3, 1, 3, 1)))};
+#else
+  const V32 x = hn::BitCast(D32(), a), y = hn::BitCast(D32(), b);
+  const VI16 even = hn::BitCast(DI16(), hn::ConcatEven(D32(), y, x));
+  const VI16 odd = hn::BitCast(DI16(), hn::ConcatOdd(D32(), y, x));
+#endif
+  return hn::Add(even, odd);
+}
+
+// The pixels of four vectors, whose samples one vector of bytes holds: vectors 4 kStep and following.
+template <size_t kPixelBytes, size_t kStep>
+HWY_INLINE void LoadStep(const uint8_t* from, VI16 (&blue_red)[4], VI16 (&green)[4]) {
+  LoadPixels<kPixelBytes, 4 * kStep>(from, blue_red[0], green[0]);
+  LoadPixels<kPixelBytes, 4 * kStep + 1>(from, blue_red[1], green[1]);
+  LoadPixels<kPixelBytes, 4 * kStep + 2>(from, blue_red[2], green[2]);
+  LoadPixels<kPixelBytes, 4 * kStep + 3>(from, blue_red[3], green[3]);
+}
+
+HWY_INLINE V8 LumaBytes(const VI16 (&blue_red)[4], const VI16 (&green)[4]) {
+  VI32 luma[4];
+  for (size_t i = 0; i < 4; ++i) luma[i] = Luma(blue_red[i], green[i]);
+  return PackBytes(luma);
+}
+
+template <size_t kPixelBytes>
+struct ToMono8 : Target<kPixelBytes, 1, 1> {
+  template <StoreKind kStores, size_t kStep = 0>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
+    VI16 blue_red[4], green[4];
+    LoadStep<kPixelBytes, kStep>(from, blue_red, green);
+    Put<kStores>(InOrder<4>(LumaBytes(blue_red, green)), D8(), to + kStep * kLanes);
+    if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
+  }
+};
+
+template <size_t kPixelBytes>
+struct ToMonoN : Target<kPixelBytes, 1, 2> {
+  // In doubles at once: with more bits so many sums are integers that to compute with integers first would
+  // not pay.
+  template <StoreKind kStores, size_t kVector = 0>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
+    const double scale = 1 << this->extra_bits;
+    const V16 words = hn::ConcatEven(D16(), Words<kVector + 1>(from, scale), Words<kVector>(from, scale));
+    Put<kStores>(hn::BitCast(D8(), words), D8(), to + kVector / 2 * kLanes);
+    if constexpr ((kVector + 2) * kLanes32 < kPart) Block<kStores, kVector + 2>(to, from, x);
+  }
+
+ private:
+  template <size_t kVector>
+  static HWY_INLINE V16 Words(const uint8_t* from, double scale) {
+    VI16 blue_red, green;
+    LoadPixels<kPixelBytes, kVector>(from, blue_red, green);
+    return hn::BitCast(D16(), LumaInDoubles(blue_red, green, scale));
+  }
+};
+
+template <size_t kPixelBytes, bool kRedFirst>
+struct ToThreeWords : Target<kPixelBytes, 1, 6> {
+  template <StoreKind kStores, size_t kVector = 0>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
+    using Channels = ThreeChannels<kPixelBytes, kRedFirst>;
+    const V8 bytes = Rearranged<Channels, kVector>(from);
+    const auto store = [&](auto half, size_t place) PRISMO_INLINE {
+      const V16 words = hn::ShiftLeftSame(hn::PromoteTo(D16(), half), static_cast<int>(this->extra_bits));
+      Put<kStores>(hn::BitCast(D8(), words), D8(), to + (2 * kVector + place) * kLanes);
+    };
+    store(hn::LowerHalf(bytes), 0);
+    store(hn::UpperHalf(hn::Half<D8>(), bytes), 1);
+    if constexpr ((kVector + 1) * kLanes < Channels::kOut) Block<kStores, kVector + 1>(to, from, x);
+  }
+};
+
+template <size_t kPixelBytes>
+struct ToYuv444 : Target<kPixelBytes, 1, 3> {
+  template <StoreKind kStores, size_t kStep = 0>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
+    VI16 blue_red[4], green[4];
+    LoadStep<kPixelBytes, kStep>(from, blue_red, green);
+    VI32 u[4], v[4];
+    for (size_t i = 0; i < 4; ++i) {
+      u[i] = ChromaU<1>(blue_red[i], green[i]);
+      v[i] = ChromaV<1>(blue_red[i], green[i]);
+    }
+    const BgrSink sink{to + 3 * kLanes * kStep};
+    sink.Store<kStores>(0, InOrder<4>(PackBytes(u)), InOrder<4>(LumaBytes(blue_red, green)),
+                        InOrder<4>(PackBytes(v)));
+    if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
+  }
+};
+
+template <size_t kPixelBytes>
+struct ToYuv422 : Target<kPixelBytes, 2, 4> {
+  template <StoreKind kStores, size_t kStep = 0>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
+    VI16 blue_red[4], green[4];
+    LoadStep<kPixelBytes, kStep>(from, blue_red, green);
+    VI32 u[2], v[2];
+    for (size_t i = 0; i < 2; ++i) {
+      const VI16 pair_blue_red = AddNeighbours(blue_red[2 * i], blue_red[2 * i + 1]);
+      const VI16 pair_green = AddNeighbours(green[2 * i], green[2 * i + 1]);
+      u[i] = ChromaU<2>(pair_blue_red, pair_green);
+      v[i] = ChromaV<2>(pair_blue_red, pair_green);
+    }
+    const DI16 d16;
+    const D8 d8;
+    const VI16 uv = hn::Or(hn::ReorderDemote2To(d16, u[0], u[1]),
+                           hn::ShiftLeft<8>(hn::ReorderDemote2To(d16, v[0], v[1])));
+    const V8 luma = LumaBytes(blue_red, green);  // in the same order
+    uint8_t* at = to + 2 * kLanes * kStep;
+    Put<kStores>(InOrder<2>(hn::InterleaveLower(d8, hn::BitCast(d8, uv), luma)), d8, at);
+    Put<kStores>(InOrder<2>(hn::InterleaveUpper(d8, hn::BitCast(d8, uv), luma)), d8, at + kLanes);
+    if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
+  }
+};
+
+template <size_t kPixelBytes>
+struct ToYuv411 : Target<kPixelBytes, 4, 6, 2 * kPart> {
+  template <StoreKind kStores, size_t kStep = 0>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
+    V8 first_luma, second_luma;
+    V32 first_uv, second_uv;
+    Quads<kStep>(from, first_luma, first_uv);
+    Quads<kStep + 1>(from, second_luma, second_uv);
+    // Each byte of chroma comes before two of luma.
+    const D16 d16;
+    const V16 first = hn::BitCast(d16, first_luma), second = hn::BitCast(d16, second_luma);
+    const V16 chroma = hn::ConcatEven(d16, hn::BitCast(d16, second_uv), hn::BitCast(d16, first_uv));
+    const BgrSink sink{to + 3 * kLanes / 2 * kStep};
+    sink.Store<kStores>(0, hn::BitCast(D8(), chroma), LowBytes(first, second),
+                        LowBytes(hn::ShiftRight<8>(first), hn::ShiftRight<8>(second)));
+    if constexpr ((kStep + 2) * kLanes < 2 * kPart) Block<kStores, kStep + 2>(to, from, x);
+  }
+
+ private:
+  // Lumas of one step, and U and V of its groups as the low bytes of 32-bit lanes.
+  template <size_t kStep>
+  static HWY_INLINE void Quads(const uint8_t* from, V8& luma, V32& uv) {
+    VI16 blue_red[4], green[4];
+    LoadStep<kPixelBytes, kStep>(from, blue_red, green);
+    luma = InOrder<4>(LumaBytes(blue_red, green));
+    const VI16 quad_blue_red =
+        AddNeighbours(AddNeighbours(blue_red[0], blue_red[1]), AddNeighbours(blue_red[2], blue_red[3]));
+    const VI16 quad_green =
+        AddNeighbours(AddNeighbours(green[0], green[1]), AddNeighbours(green[2], green[3]));
+    const VI32 u = ChromaU<4>(quad_blue_red, quad_green), v = ChromaV<4>(quad_blue_red, quad_green);
+    uv = hn::BitCast(D32(), InOrder<4>(hn::BitCast(D8(), hn::Or(u, hn::ShiftLeft<8>(v)))));
+  }
+};
+
+#endif  // HWY_SCALAR
+
+template <class Target, StoreKind kStores>
+void Make(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t extra_bits) {
+  MakeRun<kStores>(Target{{extra_bits}}, dst, src, pixels);
+}
+
+template <class FromBgr, class FromBgra>
+constexpr void Fill(RawKernels& kernels, RawTarget target) {
+  auto& make = kernels.make[static_cast<size_t>(target)];
+  make[0][0] = &Make<FromBgr, StoreKind::kCached>;
+  make[0][1] = &Make<FromBgr, StoreKind::kStreaming>;
+  make[1][0] = &Make<FromBgra, StoreKind::kCached>;
+  make[1][1] = &Make<FromBgra, StoreKind::kStreaming>;
+}
+
+constexpr RawKernels MakeTable() {
+  RawKernels kernels{};
+  Fill<ToMono8<3>, ToMono8<4>>(kernels, RawTarget::kMono8);
+  Fill<ToMonoN<3>, ToMonoN<4>>(kernels, RawTarget::kMonoN);
+  Fill<ToThreeBytes<3, true>, ToThreeBytes<4, true>>(kernels, RawTarget::kRgb8);
+  Fill<ToThreeBytes<3, false>, ToThreeBytes<4, false>>(kernels, RawTarget::kBgr8);
+  Fill<ToThreeWords<3, true>, ToThreeWords<4, true>>(kernels, RawTarget::kRgbN);
+  Fill<ToThreeWords<3, false>, ToThreeWords<4, false>>(kernels, RawTarget::kBgrN);
+  Fill<ToYuv444<3>, ToYuv444<4>>(kernels, RawTarget::kYuv444);
+  Fill<ToYuv422<3>, ToYuv422<4>>(kernels, RawTarget::kYuv422);
+  Fill<ToYuv411<3>, ToYuv411<4>>(kernels, RawTarget::kYuv411);
+  return kernels;
+}
+
+}  // namespace
+
+const RawKernels& RawTable() {
+  static constexpr RawKernels kKernels = MakeTable();
+  return kKernels;
+}
+
+}  // namespace prismo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace prismo {
+
+const RawKernels& CurrentRawKernels() {
+  static constexpr simd::TargetTables<RawKernels> kTables{PRISMO_TARGET_TABLES(RawTable)};
+  return kTables.Current();
+}
+
+}  // namespace prismo
+#endif
