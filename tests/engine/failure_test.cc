@@ -84,12 +84,12 @@ TEST(TimeOut, LargeNumbersAreLong) {
 }
 
 TEST(TimeOut, TheOneInForceWhenTheWaitBeginsCounts) {
-  TestPool pool(1);
   Gate gate;
   const Body body = [&](MPWork* work) {
     gate.Pass();
     Drain(work);
   };
+  TestPool pool(1);
   pool->SetTimeout(0xFFFFFFFF);
   MPWork* handle = pool.Start(body, 100);
   pool->SetTimeout(10);
@@ -106,8 +106,7 @@ TEST(TimeOut, LastsAsLongAsItSays) {
 }
 
 TEST(TimeOut, DoesNotHideAFailure) {
-  TestPool pool(2);
-  Gate gate, thrown;
+  Gate gate;
   std::atomic<int32_t> calls{0};
   const Body body = [&](MPWork* work) {
     if (calls++ == 0) {
@@ -116,6 +115,7 @@ TEST(TimeOut, DoesNotHideAFailure) {
       throw std::runtime_error("as asked");
     }
   };
+  TestPool pool(2);
   MPWork* handle = pool.Start(body, 100);
   ASSERT_TRUE(Eventually([&] { return StatusOf(handle) == UTL_STS_FAILURE; }));
   pool->SetTimeout(10);
@@ -168,7 +168,6 @@ TEST(Exception, TheCallReturnsOnlyWhenTheOthersHaveLeft) {
 
 TEST(Exception, OtherThreadsStopAtTheirNextBlock) {
   TestPool pool(2);
-  Gate thrown;
   std::atomic<int32_t> inside{0}, blocks{0};
   const Body body = [&](MPWork* work) {
     if (++inside == 2) throw 1;
@@ -202,6 +201,7 @@ TEST(Exception, AfterTheLastBlockIsNotCountedTwice) {
   EXPECT_FALSE(released);
   gate.Open();
   EXPECT_EQ(pool.Wait(handle), UTL_STS_FAILURE);
+  EXPECT_TRUE(Eventually([&] { return released.load(); }));
 }
 
 // One thread draws a block without rows and is never counted out; still nothing is left behind.

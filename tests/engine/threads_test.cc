@@ -117,6 +117,7 @@ TEST(Threads, ShrinkingWaitsForTheCallback) {
   pool->SetThreadCount(1);
   EXPECT_GE(finished, 1);
   EXPECT_EQ(pool.Wait(handle), 0u);
+  EXPECT_TRUE(Eventually([&] { return finished == 2; }));
   opener.join();
 }
 
