@@ -1,7 +1,11 @@
 #include "support/guarded_buffer.h"
 
+#include <bit>
 #include <cstring>
+#include <map>
+#include <mutex>
 #include <new>
+#include <vector>
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -36,8 +40,44 @@ void Release(uint8_t* at, size_t size) { munmap(at, size); }
 
 uint8_t Canary(const uint8_t* at) { return static_cast<uint8_t>(0xA5 ^ reinterpret_cast<uintptr_t>(at)); }
 
-// Large buffers need few canaries, small ones get all of their pages filled.
 constexpr size_t kCanaryReach = 4096;
+
+// Pages between two guard pages. Mapping is slow, above all under ThreadSanitizer, so small ones are used
+// again.
+class Regions {
+ public:
+  static Regions& Get() {
+    static Regions regions;
+    return regions;
+  }
+
+  uint8_t* Take(size_t size) {
+    {
+      const std::lock_guard lock(mutex_);
+      std::vector<uint8_t*>& free = free_[size];
+      if (!free.empty()) {
+        uint8_t* region = free.back();
+        free.pop_back();
+        return region;
+      }
+    }
+    const size_t page = PageSize();
+    uint8_t* reserved = Reserve(size + 2 * page);
+    if (!reserved || !Open(reserved + page, size)) throw std::bad_alloc();
+    return reserved + page;
+  }
+
+  void Give(uint8_t* region, size_t size) {
+    if (size > kKeptSize) return Release(region - PageSize(), size + 2 * PageSize());
+    const std::lock_guard lock(mutex_);
+    free_[size].push_back(region);
+  }
+
+ private:
+  static constexpr size_t kKeptSize = 1 << 20;
+  std::mutex mutex_;
+  std::map<size_t, std::vector<uint8_t*>> free_;  // by size
+};
 
 }  // namespace
 
@@ -48,12 +88,8 @@ Placement Placement::Nth(size_t i, size_t unit) {
 }
 
 GuardedBuffer::GuardedBuffer(size_t size, Placement placement) : size_(size) {
-  const size_t page = PageSize();
-  region_size_ = (size + kCanaryReach + 64 + page - 1) / page * page;
-  uint8_t* reserved = Reserve(region_size_ + 2 * page);
-  if (!reserved) throw std::bad_alloc();
-  region_ = reserved + page;
-  if (!Open(region_, region_size_)) throw std::bad_alloc();
+  region_size_ = std::bit_ceil((size + kCanaryReach + 64 + PageSize() - 1) / PageSize()) * PageSize();
+  region_ = Regions::Get().Take(region_size_);
 
   const bool tight = placement.misalignment == Placement::kTight;
   if (placement.guard == Placement::Edge::kBefore) {
@@ -73,7 +109,7 @@ GuardedBuffer::GuardedBuffer(std::span<const uint8_t> content, Placement placeme
   if (!content.empty()) std::memcpy(data_, content.data(), content.size());
 }
 
-GuardedBuffer::~GuardedBuffer() { Release(region_ - PageSize(), region_size_ + 2 * PageSize()); }
+GuardedBuffer::~GuardedBuffer() { Regions::Get().Give(region_, region_size_); }
 
 testing::AssertionResult GuardedBuffer::CanariesIntact() const {
   const uint8_t* end = region_ + region_size_;

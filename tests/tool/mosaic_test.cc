@@ -102,7 +102,8 @@ TEST_F(MosaicTest, GreyPhotos) {
   RunWell("convert g.rwh -o g.bmp");
   for (const char* photo : {"g.png", "g.bmp"}) {
     RunWell(std::string("mosaic ") + photo + " --format BayerGB8 -o m.raw");
-    EXPECT_EQ(Content("m.raw"), Bytes(Content("g.rwh").begin() + 16, Content("g.rwh").end())) << photo;
+    const Bytes frame = Content("g.rwh");
+    EXPECT_EQ(Content("m.raw"), Bytes(frame.begin() + 16, frame.end())) << photo;
   }
 }
 
