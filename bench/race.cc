@@ -1,0 +1,81 @@
+#include "race.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+
+namespace prismo::bench {
+namespace {
+
+// Sorts the values.
+double Quantile(std::vector<double>& values, double fraction) {
+  std::ranges::sort(values);
+  const double position = fraction * static_cast<double>(values.size() - 1);
+  const size_t below = static_cast<size_t>(position);
+  const size_t above = std::min(below + 1, values.size() - 1);
+  return std::lerp(values[below], values[above], position - static_cast<double>(below));
+}
+
+double TimeOf(const Step& run, int calls) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point begin = Clock::now();
+  for (int i = 0; i < calls; ++i) run();
+  return std::chrono::duration<double>(Clock::now() - begin).count() / calls;
+}
+
+}  // namespace
+
+double Contestant::Median() const {
+  std::vector<double> sorted = seconds;
+  return Quantile(sorted, 0.5);
+}
+
+void Race(std::vector<Contestant>& contestants, const Plan& plan) {
+  // The first call of each meets cold caches and untouched memory.
+  std::vector<double> estimates;
+  double best_peer = INFINITY;
+  for (const Contestant& contestant : contestants) {
+    contestant.run();
+    estimates.push_back(TimeOf(contestant.run, 1));
+    if (contestant.role == Role::kPeer) best_peer = std::min(best_peer, estimates.back());
+  }
+  constexpr double kFarBehind = 2;
+  for (size_t i = contestants.size(); i-- > 0;) {
+    if (contestants[i].role != Role::kPeer || estimates[i] <= kFarBehind * best_peer) continue;
+    contestants.erase(contestants.begin() + static_cast<ptrdiff_t>(i));
+    estimates.erase(estimates.begin() + static_cast<ptrdiff_t>(i));
+  }
+
+  std::vector<int> calls;
+  for (const double estimate : estimates) {
+    calls.push_back(static_cast<int>(std::clamp(std::ceil(plan.sample_seconds / estimate), 1.0, 1e5)));
+  }
+  const size_t count = contestants.size();
+  for (int round = 0; round < plan.rounds; ++round) {
+    for (size_t turn = 0; turn < count; ++turn) {
+      const size_t i = (turn + static_cast<size_t>(round)) % count;
+      // An untimed call puts the caches into the state that this contestant itself leaves.
+      contestants[i].run();
+      contestants[i].seconds.push_back(TimeOf(contestants[i].run, calls[i]));
+    }
+  }
+}
+
+Ratio RatioOf(const Contestant& a, const Contestant& b) {
+  std::vector<double> ratios;
+  for (size_t i = 0; i < a.seconds.size(); ++i) ratios.push_back(a.seconds[i] / b.seconds[i]);
+  return {Quantile(ratios, 0.25), Quantile(ratios, 0.5), Quantile(ratios, 0.75)};
+}
+
+const Contestant* FastestOf(const std::vector<Contestant>& contestants, Role role) {
+  const Contestant* fastest = nullptr;
+  for (const Contestant& contestant : contestants) {
+    if (contestant.role == role && (!fastest || contestant.Median() < fastest->Median())) {
+      fastest = &contestant;
+    }
+  }
+  return fastest;
+}
+
+}  // namespace prismo::bench
