@@ -22,18 +22,18 @@ if(WIN32)  # which finds libraries beside programs
   set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 endif()
 
-# prismo_find_headers(<variable> <folder> <header>): where to include <folder/header> from. A library that is
-# headers only serves every target, but when cross-compiling only its own folder may be seen of this system's.
-function(prismo_find_headers variable folder header)
+# prismo_find_headers(<variable> <name> <header>): where to include <header> from, which is or is in <name>.
+# Headers serve every target, but when cross-compiling nothing else may be seen of this system's.
+function(prismo_find_headers variable name header)
   if(CMAKE_CROSSCOMPILING)
-    find_path(${variable}_OF_HOST ${folder}/${header} PATHS /usr/include REQUIRED
+    find_path(${variable}_OF_HOST ${header} PATHS /usr/include REQUIRED
       NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
     set(headers ${PROJECT_BINARY_DIR}/headers)
     file(MAKE_DIRECTORY ${headers})
-    file(CREATE_LINK ${${variable}_OF_HOST}/${folder} ${headers}/${folder} SYMBOLIC)
+    file(CREATE_LINK ${${variable}_OF_HOST}/${name} ${headers}/${name} SYMBOLIC)
     set(${variable} ${headers} PARENT_SCOPE)
   else()
-    find_path(${variable} ${folder}/${header} REQUIRED)
+    find_path(${variable} ${header} REQUIRED)
   endif()
 endfunction()
 
