@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
+#include <iomanip>
 #include <memory>
 
 #include "commands.h"
@@ -103,7 +104,8 @@ class Converter {
     ApplyGamma(picture, development_.gamma);
     WritePicture(picture, kind, quality_, output);
     return Text(output.string(), ": ", picture.width, "x", picture.height, Source(frame), ", converted in ",
-                time.count(), " ms on ", conversion_.threads.Description(picture.height));
+                std::fixed, std::setprecision(2), time.count(), " ms on ",
+                conversion_.threads.Description(picture.height));
   }
 
   std::string StorePlanes(const Frame& frame, const fs::path& output, FileKind kind) const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <iomanip>
 #include <iostream>
 #include <map>
 #include <mutex>
@@ -117,7 +118,8 @@ void FileJobs::RunInFolder(FileKind default_kind, int parallel, const Job& job) 
 
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
   const size_t written = inputs.size() - progress.failed();
-  std::cout << written << " of " << inputs.size() << " files written in " << seconds.count() << " s\n";
+  std::cout << written << " of " << inputs.size() << " files written in " << std::fixed
+            << std::setprecision(2) << seconds.count() << " s\n";
   if (progress.failed()) throw Error(progress.failed(), " of ", inputs.size(), " files failed");
 }
 
