@@ -74,15 +74,11 @@ class Converter {
 
   int parallel() const { return parallel_; }
 
-  std::string operator()(const fs::path& input, const fs::path& output, FileKind kind) const try {
+  std::string operator()(const fs::path& input, const fs::path& output, FileKind kind) const {
     Frame frame = ReadFrame(input, dump_);
     DevelopFrame(frame, development_);
     if (HoldsFrame(kind)) return StoreFrame(frame, output, kind);
     return planes_ ? StorePlanes(frame, output, kind) : StorePicture(frame, output, kind);
-  } catch (const Error& error) {
-    const std::string message = error.what();
-    const bool names_file = message.starts_with(input.string()) || message.starts_with(output.string());
-    throw Error(names_file ? "" : input.string() + ": ", message);
   }
 
  private:

@@ -22,6 +22,17 @@ void RefuseToReplaceInput(const fs::path& input, const fs::path& output) {
   if (fs::equivalent(input, output, ignored)) throw Error(output.string(), ": is the input itself");
 }
 
+// What went wrong names a file: the input, unless the message is about the output.
+std::string RunJob(const FileJobs::Job& job, const fs::path& input, const fs::path& output,
+                   FileKind kind) try {
+  RefuseToReplaceInput(input, output);
+  return job(input, output, kind);
+} catch (const std::exception& error) {
+  const std::string message = error.what();
+  const bool names_file = message.starts_with(input.string()) || message.starts_with(output.string());
+  throw Error(names_file ? "" : input.string() + ": ", message);
+}
+
 std::vector<fs::path> NamesIn(const fs::path& folder, const std::vector<std::string>& inputs, FileKind kind) {
   std::vector<fs::path> outputs;
   std::map<fs::path, std::string> taken;
@@ -79,8 +90,7 @@ bool FileJobs::ToFolder() const {
 
 void FileJobs::Run(FileKind default_kind, int parallel, const Job& job) const {
   if (ToFolder()) return RunInFolder(default_kind, parallel, job);
-  RefuseToReplaceInput(inputs.front(), output);
-  const std::string line = job(inputs.front(), output, KindOfOutput(output, kind_name));
+  const std::string line = RunJob(job, inputs.front(), output, KindOfOutput(output, kind_name));
   (IsStandardOutput(output) ? std::cerr : std::cout) << line << '\n';
 }
 
@@ -101,12 +111,9 @@ void FileJobs::RunInFolder(FileKind default_kind, int parallel, const Job& job) 
   const auto work = [&] {
     for (size_t i = next++; i < inputs.size(); i = next++) {
       try {
-        RefuseToReplaceInput(inputs[i], outputs[i]);
-        progress.Finished(job(inputs[i], outputs[i], kind));
+        progress.Finished(RunJob(job, inputs[i], outputs[i], kind));
       } catch (const Error& failure) {
         progress.Failed(failure.what());
-      } catch (const std::exception& failure) {
-        progress.Failed(inputs[i] + ": " + failure.what());
       }
     }
   };
