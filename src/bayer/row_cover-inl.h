@@ -78,6 +78,7 @@ HWY_INLINE hn::Mask<D> GreenSites(D d, bool starts_green) {
 // Reading ahead pays where streaming stores keep the memory busy (measured at 26 megapixels: 1.2 times and
 // more).
 inline constexpr size_t kPrefetchBytes = 2048;
+inline constexpr size_t kCacheLine = 64;
 
 // Covers the columns of `row`.
 //   inner(lines at x, x, starts_green, row_colour, green, other_colour)   a block all of whose columns lie in
@@ -131,7 +132,8 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
     const T* at_x[kLines];
     for (size_t i = 0; i < kLines; ++i) at_x[i] = lines[i] + x;
     if constexpr (kStores == StoreKind::kStreaming) {
-      hwy::Prefetch(reinterpret_cast<const uint8_t*>(at_x[newest_line]) + kPrefetchBytes);
+      const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[newest_line]) + kPrefetchBytes;
+      for (size_t byte = 0; byte < kLanes * sizeof(T); byte += kCacheLine) hwy::Prefetch(ahead + byte);
     }
     V8 row_colour, green, other_colour;
     inner(at_x, x, starts_green, row_colour, green, other_colour);

@@ -107,7 +107,7 @@ class Demo {
 
   void Store(const std::string& name, const Picture& picture, const std::string& description) const {
     WritePicture(picture, KindOfOutput(name, ""), kDefaultJpegQuality, folder_ / name);
-    std::cout << std::left << std::setw(36) << (folder_ / name).string() << description << '\n';
+    std::cout << std::left << std::setw(36) << (folder_ / name).string() << "  " << description << '\n';
   }
 
   static void PrintTiming(const char* name, const Frame& frame, const Conversion& conversion) {
@@ -147,7 +147,7 @@ void RunDemo(DemoOptions options) {
   }
   const fs::path copy = fs::path(options.folder) / "frame.rwh";
   WriteFrame(frame, FileKind::kRwh, copy);
-  std::cout << std::left << std::setw(36) << copy.string() << "the raw frame: " << frame.format->name << " "
+  std::cout << std::left << std::setw(36) << copy.string() << "  the raw frame: " << frame.format->name << " "
             << frame.width << "x" << frame.height << '\n';
 
   // The middle of the star, or of any other frame.
