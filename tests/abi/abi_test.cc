@@ -63,14 +63,14 @@ TEST(Abi, TheHeaderDeclaresTheListedNames) {
 }
 
 TEST(Abi, TheLibraryDefinesTheListedNamesAndNoOthers) {
-  const std::string symbols = OutputOf(std::string(PRISMO_NM) + " -D --defined-only " + PRISMO_LIBRARY);
+  const std::string symbols = OutputOf(std::string(PRISMO_NM) + " -D --defined-only '" + PRISMO_LIBRARY + "'");
   const Names defined = Matches(symbols, std::regex(R"([0-9a-f]+ [B-Zb-z] (\w+))"));
   EXPECT_EQ(Missing(defined, ListedNames()), Names());
   EXPECT_EQ(Missing(ListedNames(), defined), Names());
 }
 
 TEST(Abi, TheLibraryNeedsOnlyTheSystemAndTheEncoder) {
-  const std::string dynamic = OutputOf(std::string(PRISMO_READELF) + " -d " + PRISMO_LIBRARY);
+  const std::string dynamic = OutputOf(std::string(PRISMO_READELF) + " -d '" + PRISMO_LIBRARY + "'");
   const Names needed = Matches(dynamic, std::regex(R"(\(NEEDED\).*\[([^\]]+)\])"));
   EXPECT_FALSE(needed.empty());
   const std::regex allowed(
