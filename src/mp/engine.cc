@@ -29,8 +29,7 @@ constinit thread_local const SharedWithWorks* shared_with_works = nullptr;
 // TerminateMPThreads beside a call leaves that call an intact, if stopped, pool.
 struct Singleton {
   platform::CriticalSection lock;
-  MPManager* pool = nullptr;   // guarded by lock
-  bool follows_forks = false;  // guarded by lock
+  MPManager* pool = nullptr;  // guarded by lock
 };
 
 constinit Singleton singleton;
@@ -41,6 +40,9 @@ void ForgetPool() {
   new (&singleton.lock) platform::CriticalSection;
   singleton.pool = nullptr;
 }
+
+// At load, before the lock can be held: a fork beside the very first call must find the handler.
+[[maybe_unused]] const bool follows_forks = (platform::AfterForkInChild(&ForgetPool), true);
 
 PoolRef ExistingPool() {
   std::lock_guard guard(singleton.lock);
@@ -53,7 +55,6 @@ template <class Prepare, class... Arguments>
 PoolRef EnsurePool(Prepare&& prepare, Arguments... arguments) {
   std::lock_guard guard(singleton.lock);
   if (!singleton.pool) {
-    if (!std::exchange(singleton.follows_forks, true)) platform::AfterForkInChild(&ForgetPool);
     PoolRef pool(new MPManager(platform::ProcessorCount(), arguments...));
     prepare(*pool);
     singleton.pool = pool.Detach();

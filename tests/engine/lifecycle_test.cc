@@ -142,9 +142,7 @@ TEST_F(Lifecycle, AChildProcessGetsItsOwnPool) {
   EXPECT_EQ(Exec(kDrain, 100), 0u);
 }
 
-// Disabled, not solved: now and then a child hangs that was forked while another thread was making or ending a pool.
-// Which lock it waits for is not known yet.
-TEST_F(Lifecycle, DISABLED_AForkMayComeAtAnyMoment) {
+TEST_F(Lifecycle, AForkMayComeAtAnyMoment) {
   if (kThreadSanitizer) GTEST_SKIP() << "the thread sanitizer ends children that make threads";
   if (kAddressSanitizer)
     GTEST_SKIP() << "the address sanitizer's own locks do not survive a fork beside allocations";
