@@ -49,6 +49,9 @@ target_compile_options(prismo_compile INTERFACE
 if(PRISMO_SANITIZE)
   add_compile_options(-fsanitize=${PRISMO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${PRISMO_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    add_compile_options(-Wno-maybe-uninitialized)  # false alarms in instrumented headers of the C++ library
+  endif()
 endif()
 if(PRISMO_COVERAGE)
   add_compile_options(--coverage)

@@ -1042,7 +1042,8 @@ PRISMO_API uint32_t StartMPThreads(int32_t count) PRISMO_NOEXCEPT;
 
 /**
  * Ends all worker threads, waits for them, and destroys the pool with its queued works. Must not run beside a
- * conversion on the pool. The next call that needs a pool makes a new one with default settings. Returns 0.
+ * conversion on the pool. The next call that needs a pool makes a new one with default settings. Returns 0;
+ * 0xFFFFFFFF, and ends nothing, from a callback on the pool, which cannot wait for itself.
  */
 PRISMO_API uint32_t TerminateMPThreads(void) PRISMO_NOEXCEPT;
 
@@ -1109,7 +1110,7 @@ PRISMO_API uint32_t ExecWork2(MPWorkCallback callback, uint32_t firstY, uint32_t
 
 /**
  * ExecWork0 without waiting; the handle is for WaitWorkDone, which must be called once for it. Rows come before
- * columns here, unlike in ExecWork0. Returns 0.
+ * columns here, unlike in ExecWork0. Returns 0; UTL_STS_INVALID_PARAMETER without a place for the handle.
  */
 PRISMO_API uint32_t StartWork(MPWork** work, MPWorkCallback callback, uint32_t firstY,
                               uint32_t lastY, uint32_t firstX, uint32_t lastX, uint32_t dstX,

@@ -10,7 +10,7 @@
 
 namespace prismo::mp {
 
-// Below 1: the default count.
+// Below 1: the default count. Failure only for a thread of the pool, as for TerminateThreads.
 Status StartThreads(int32_t count) noexcept;
 
 // Below 1: one less than there are processors, but at least 1.

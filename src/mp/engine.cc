@@ -137,7 +137,9 @@ void LogConversion(LogFunction function, LogKind kind, LogLevel level, uint32_t 
 
 Status StartThreads(int32_t count) noexcept {
   return NoThrow(Status::kFailure, [&] {
-    EnsurePool(Leave, count)->SetThreadCount(count);
+    const PoolRef pool = EnsurePool(Leave, count);
+    if (pool->IsOwnThread()) return Status::kFailure;
+    pool->SetThreadCount(count);
     return Status::kSuccess;
   });
 }
@@ -158,6 +160,7 @@ Status TerminateThreads() noexcept {
   PoolRef pool;
   {
     std::lock_guard guard(singleton.lock);
+    if (singleton.pool && singleton.pool->IsOwnThread()) return Status::kFailure;
     pool = PoolRef::Adopt(std::exchange(singleton.pool, nullptr));
   }
   if (pool) pool->Terminate();
@@ -189,6 +192,7 @@ Status ExecCallback(MPWorkCallback callback, const WorkGeometry& geometry) noexc
 }
 
 Status StartCallback(MPWork** handle, MPWorkCallback callback, const WorkGeometry& geometry) noexcept {
+  if (!handle) return Status::kInvalidParameter;  // nobody could wait for the work
   *handle = nullptr;
   return WithPool(Status::kFailure, [&](MPManager& pool) {
     return pool.StartWork({.geometry = geometry, .callback = callback}, *handle);

@@ -22,6 +22,9 @@ LogArguments Rows(Work& work) {
   return {work.CallbackTag(), Bits(work.FirstY), Bits(work.LastY), Bits(work.BlocksToDo())};
 }
 
+// The pool that the calling thread works for. No object with a destructor: the library can be unloaded.
+constinit thread_local const MPManager* pool_of_this_thread = nullptr;
+
 LogLevel LevelOf(Status status) { return status == Status::kSuccess ? LogLevel::kInfo : LogLevel::kError; }
 
 }  // namespace
@@ -37,7 +40,10 @@ MPManager::~MPManager() = default;
 
 int32_t MPManager::Default() const { return std::clamp(processors_ - 1, 1, kMaxThreads); }
 
+bool MPManager::IsOwnThread() const { return pool_of_this_thread == this; }
+
 Status MPManager::SetThreadCount(int32_t count) {
+  if (IsOwnThread()) return Status::kFailure;
   const auto record = [&](LogKind kind) {
     Record(LogFunction::kManagerSetThreadCount, kind, LogLevel::kInfo,
            {Bits(count), Bits(thread_count_), Bits(CurrentThreads())});
@@ -242,13 +248,16 @@ void MPManager::ReleaseWork(const WorkRef& work, LogBatch& log) {
   }
   log.Add(LogFunction::kManagerReleaseWork, LogKind::kStep2, LogLevel::kInfo,
           {Bits(accesses), work->CallbackTag()});
-  std::lock_guard guard(timeout_lock_);
-  // Without memory for the list the workers inside still keep the record as long as they need it.
-  NoThrow(Status::kFailure, [&] {
-    timeout_list_.push_back(work);
-    return Status::kSuccess;
-  });
-  has_timed_out_.store(!timeout_list_.empty(), std::memory_order_release);
+  {
+    std::lock_guard guard(timeout_lock_);
+    // Without memory for the list the workers inside still keep the record as long as they need it.
+    NoThrow(Status::kFailure, [&] {
+      timeout_list_.push_back(work);
+      return Status::kSuccess;
+    });
+    has_timed_out_.store(!timeout_list_.empty(), std::memory_order_release);
+  }
+  ReclaimTimedOut();  // the last thread may have left, and looked, just before
 }
 
 std::vector<WorkRef>::const_iterator MPManager::Find(const MPWork* work) const {
@@ -266,6 +275,7 @@ Work* MPManager::After(const Work& work) const {
 // Working ---------------------------------------------------------------------------------------------------
 
 void MPManager::ThreadExec(ThreadSlot& slot) {
+  pool_of_this_thread = this;
   Record(LogFunction::kManagerThreadExec, LogKind::kStarted, LogLevel::kInfo);
   platform::ThreadPriority own;
   int32_t applied = 0;
@@ -351,17 +361,25 @@ void MPManager::UpdateCurrentWork(uint32_t finished_id, LogBatch& log) {
 }
 
 void MPManager::ReclaimTimedOut() {
-  if (!has_timed_out_.load(std::memory_order_acquire)) return;
-  std::unique_lock guard(timeout_lock_, std::try_to_lock);
-  if (!guard) return;
-  for (size_t index = timeout_list_.size(); index-- > 0;) {
-    WorkRef& work = timeout_list_[index];
-    // A thread that drew a block without rows left the callback, but is counted as inside for ever.
-    if (work->Accesses() >= 1 && !work->HasOneOwner()) continue;
+  while (const WorkRef work = TakeFromTimeoutList()) {
     work->Batch().Add(LogFunction::kManagerExecFunc, LogKind::kStep3, LogLevel::kInfo);
-    timeout_list_.erase(timeout_list_.begin() + static_cast<ptrdiff_t>(index));
   }
+}
+
+// The last work on the list that no thread is inside of; null without one, or when the list is in use.
+WorkRef MPManager::TakeFromTimeoutList() {
+  if (!has_timed_out_.load(std::memory_order_acquire)) return {};
+  std::unique_lock guard(timeout_lock_, std::try_to_lock);
+  if (!guard) return {};
+  const auto place = std::find_if(timeout_list_.rbegin(), timeout_list_.rend(), [](const WorkRef& work) {
+    // A thread that drew a block without rows left the callback, but is counted as inside for ever.
+    return work->Accesses() < 1 || work->HasOneOwner();
+  });
+  if (place == timeout_list_.rend()) return {};
+  WorkRef work = std::move(*place);
+  timeout_list_.erase(std::next(place).base());
   has_timed_out_.store(!timeout_list_.empty(), std::memory_order_release);
+  return work;
 }
 
 // The end ---------------------------------------------------------------------------------------------------

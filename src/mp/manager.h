@@ -31,7 +31,12 @@ class MPManager : public Counted<MPManager> {
   explicit MPManager(int32_t processors);
   MPManager(int32_t processors, int32_t count);
 
-  // Below 1: the default. Failure when the system refuses a thread; those made before it stay.
+  // Whether this thread is one of the pool's. Such a thread can wait neither for itself nor for another that
+  // waits for it, so it cannot change the number of threads or end the pool.
+  bool IsOwnThread() const;
+
+  // Below 1: the default. Failure when the system refuses a thread, those made before it stay; and for the
+  // pool's own threads.
   Status SetThreadCount(int32_t count);
   int32_t GetThreadCount();
 
@@ -52,7 +57,7 @@ class MPManager : public Counted<MPManager> {
   // kInvalidParameter for what is no handle of this pool, or no longer one.
   Status WaitWorkDone(const MPWork* handle);
 
-  // Ends all threads, when they are through with the works they are in, and lets go of all works. Submitters
+  // For other threads than the pool's own. Ends all threads, when they are through with the works they are in, and lets go of all works. Submitters
   // that still wait get kFailure; so does whoever submits from now on.
   void Terminate();
 
@@ -93,6 +98,7 @@ class MPManager : public Counted<MPManager> {
   void RunCallback(Work& work, ThreadSlot& slot, LogBatch& log);
   void UpdateCurrentWork(uint32_t finished_id, LogBatch& log);
   void ReclaimTimedOut();
+  WorkRef TakeFromTimeoutList();
 
   Work* After(const Work& work) const;
   std::vector<WorkRef>::const_iterator Find(const MPWork* work) const;

@@ -115,10 +115,14 @@ RowRange Work::GetWork(bool first, LogFunction function, LogBatch& log) {
     to_do = BlocksToDo();
     accesses = Accesses();
   }
-  if (last) RaiseDone(function, log);
+  if (last) done_.Set();  // before the log: the submitter is waiting
 
   log.Add(function, LogKind::kStarted, LogLevel::kDebug,
           {first, static_cast<uint32_t>(to_do_before), static_cast<uint32_t>(accesses_before)});
+  if (last) {
+    log.Add(function, LogKind::kStep1, LogLevel::kDebug,
+            {static_cast<uint32_t>(to_do), static_cast<uint32_t>(accesses)});
+  }
   log.Add(function, LogKind::kFinished, LogLevel::kDebug,
           {static_cast<uint32_t>(range.first), static_cast<uint32_t>(range.count),
            static_cast<uint32_t>(to_do), static_cast<uint32_t>(accesses)});
@@ -132,7 +136,10 @@ void Work::Fail(int32_t participant, LogBatch& log) {
     std::lock_guard guard(lock_);
     if (participants_[static_cast<size_t>(participant)].inside) last = Leave();
   }
-  if (last) RaiseDone(LogFunction::kWorkGetWork, log);
+  if (!last) return;
+  done_.Set();
+  log.Add(LogFunction::kWorkGetWork, LogKind::kStep1, LogLevel::kDebug,
+          {static_cast<uint32_t>(BlocksToDo()), static_cast<uint32_t>(Accesses())});
 }
 
 void Work::SetStatus(prismo::Status status, LogBatch& log) {
@@ -166,12 +173,6 @@ bool Work::Leave() {
   const int32_t accesses = Accesses() - 1;
   AccessField().store(accesses, std::memory_order_release);
   return accesses < 1;
-}
-
-void Work::RaiseDone(LogFunction function, LogBatch& log) {
-  done_.Set();
-  log.Add(function, LogKind::kStep1, LogLevel::kDebug,
-          {static_cast<uint32_t>(BlocksToDo()), static_cast<uint32_t>(Accesses())});
 }
 
 }  // namespace prismo::mp

@@ -98,7 +98,6 @@ class Work : public MPWork, public Counted<Work> {
 
   // Counts the calling thread out, under the lock; true for the last one, who has to raise the event.
   bool Leave();
-  void RaiseDone(LogFunction function, LogBatch& log);
 
   Log& log_;
   const LogFunction worker_;

@@ -1,5 +1,6 @@
 // The exports that start, tune and stop the pool.
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <thread>
 #include <vector>
@@ -218,6 +219,33 @@ TEST_F(Controls, NullIsNoWork) {
   EXPECT_EQ(MPWorkTakeBlock(nullptr, 1, &first, &count), 0);
   EXPECT_EQ(MPWorkTakeBlock(nullptr, 0, nullptr, nullptr), 0);
   EXPECT_EQ(WaitWorkDone(nullptr), UTL_STS_INVALID_PARAMETER);
+}
+
+// A thread cannot wait for itself to end.
+TEST_F(Controls, CallbacksCannotChangeTheNumberOfThreads) {
+  StartMPThreads(Processors());
+  std::atomic<uint32_t> refused{0}, calls{0};
+  const Body body = [&](MPWork* work) {
+    ForEachBlock(work, [&](int32_t, int32_t) {
+      calls += 4;
+      refused += StartMPThreads(1) == UTL_STS_FAILURE;
+      refused += SetMPCount(0) == UTL_STS_FAILURE;
+      refused += SetMPCount(Processors()) == UTL_STS_FAILURE;
+      refused += TerminateMPThreads() == UTL_STS_FAILURE;
+    });
+  };
+  EXPECT_EQ(ExecWork1(&CallBody, 0, 99, nullptr, 16, 100, 1, 16, const_cast<Body*>(&body), 1, 16, 0, 0, 1),
+            0u);
+  EXPECT_GT(calls, 0u);
+  EXPECT_EQ(refused, calls);
+  EXPECT_EQ(GetMPCount(), Processors());
+  EXPECT_TRUE(WorkerThreadsAre(std::min(Processors(), 16)));
+}
+
+TEST_F(Controls, AStartedWorkNeedsAPlaceForItsHandle) {
+  EXPECT_EQ(
+      StartWork(nullptr, &Drain, 0, 9, 0, 15, 0, 0, nullptr, 16, 10, 1, 16, nullptr, 16, 10, 1, 16, 0, 0, 1),
+      UTL_STS_INVALID_PARAMETER);
 }
 
 }  // namespace
