@@ -21,8 +21,9 @@
  *
  * When an _MP call returns UTL_STS_TIMEOUT the workers finish the block that they are in. Until they
  * have, they go on reading the source and WRITING TO THE DESTINATION: do not free or reuse either before
- * TerminateMPThreads has returned or enough time has passed. A frame with fewer rows than twice the
- * number of worker threads always ends that way on the pool; use the _SP form for such frames.
+ * TerminateMPThreads has returned or enough time has passed. Frames of few rows always end that way on the
+ * pool, after the full time-out: those with fewer rows than twice the number of worker threads, and Bayer
+ * frames with up to four rows more. Use the _SP form for such frames.
  */
 #ifndef PRISMOUTL_H_
 #define PRISMOUTL_H_
@@ -145,7 +146,8 @@ PRISMO_API int32_t GetProcMode(void) PRISMO_NOEXCEPT;
 
 /**
  * Bayer conversion mode: 1 makes ConvImage, the converter getters and the JPEG writers choose the adaptive
- * demosaic for 8-bit Bayer formats; any other value (0 by default) the bilinear one. Stored unchecked.
+ * demosaic for 8-bit Bayer formats; any other value (0 by default) the bilinear one, except that 8 means grey
+ * to ConvImage with output type 2. Stored unchecked.
  */
 PRISMO_API uint32_t SetBayerConvMode(int32_t mode) PRISMO_NOEXCEPT;
 PRISMO_API int32_t GetBayerConvMode(void) PRISMO_NOEXCEPT;
@@ -171,39 +173,39 @@ typedef uint32_t (*PrismoConverter)(void* dst, const void* src, uint32_t width, 
  * Converts a frame of any supported format.
  *
  * outputType: 1 BGR; 2 Pad; any other value BGRA (8 to 15 are refused for the two padded formats).
- * demosaic: 0 shows a Bayer frame as grey; otherwise it is demosaiced by the Bayer conversion mode.
+ * demosaic: 0 shows a Bayer frame as grey; otherwise it is demosaiced by the Bayer conversion mode. Output
+ * type 2 takes that mode for ConvImageEx's method, so that mode 8 gives grey there.
  * Returns UTL_STS_INVALID_PARAMETER for a format that has no converter; output type 1 has none for
- * PRISMO_MONO8_PADDED.
+ * PRISMO_MONO8_PADDED, type 2 none for PRISMO_BGRA8. The padded formats look at the size before the buffers;
+ * PRISMO_BGR8_PADDED to BGR copies nothing from or to null and succeeds.
  */
-PRISMO_API uint32_t ConvImage(uint32_t outputType, uint32_t pixelFormat, uint8_t demosaic,
-                              void* dst, const void* src, uint32_t width,
-                              uint32_t height) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvImage(uint32_t outputType, uint32_t pixelFormat, uint8_t demosaic, void* dst,
+                              const void* src, uint32_t width, uint32_t height) PRISMO_NOEXCEPT;
 
 /**
  * As ConvImage, with the demosaic method (1 adaptive, 8 none, any other bilinear; 10- and 12-bit Bayer has
  * no adaptive form) and the choice of threads (multiThread non-zero: the pool) given by the caller. Output
  * types 8 to 15 give UTL_STS_INVALID_PARAMETER, and so do PRISMO_BGRA8 and PRISMO_BGRA10.
  */
-PRISMO_API uint32_t ConvImageEx(uint32_t outputType, uint32_t pixelFormat, void* dst,
-                                const void* src, uint32_t width, uint32_t height, uint32_t method,
+PRISMO_API uint32_t ConvImageEx(uint32_t outputType, uint32_t pixelFormat, void* dst, const void* src,
+                                uint32_t width, uint32_t height, uint32_t method,
                                 uint8_t multiThread) PRISMO_NOEXCEPT;
 
 /**
  * ConvImageEx with BGRA output; reserved is ignored. Monochrome frames are converted on the caller's thread.
  */
-PRISMO_API uint32_t ToBGRA(void* dst, const void* src, uint32_t pixelFormat, uint32_t width,
-                           uint32_t height, uint32_t method, uint8_t multiThread,
-                           uint8_t reserved) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ToBGRA(void* dst, const void* src, uint32_t pixelFormat, uint32_t width, uint32_t height,
+                           uint32_t method, uint8_t multiThread, uint8_t reserved) PRISMO_NOEXCEPT;
 
 /**
  * ConvImageEx with BGR output, or Pad output when pad is not 0.
  */
-PRISMO_API uint32_t ToBGR(void* dst, const void* src, uint32_t pixelFormat, uint32_t width,
-                          uint32_t height, uint32_t method, uint8_t multiThread,
-                          uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ToBGR(void* dst, const void* src, uint32_t pixelFormat, uint32_t width, uint32_t height,
+                          uint32_t method, uint8_t multiThread, uint8_t pad) PRISMO_NOEXCEPT;
 
 /**
- * The converter that ConvImage would use for a format, or null where there is none.
+ * The converter for a format and the current Bayer conversion mode; null where there is none, as for the two
+ * padded formats.
  */
 PRISMO_API PrismoConverter GetBGRAConverter(uint32_t pixelFormat, uint8_t demosaic) PRISMO_NOEXCEPT;
 PRISMO_API PrismoConverter GetBGRConverter(uint32_t pixelFormat, uint8_t demosaic) PRISMO_NOEXCEPT;
@@ -235,20 +237,20 @@ PRISMO_API uint32_t MonoNToMono8(void* dst, const void* src, uint32_t pixelForma
  */
 PRISMO_API uint32_t Mono8ToBGRA_SP(void* dst, const void* src, uint32_t width, uint32_t height,
                                    uint8_t reserved) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t MonoNToBGRA_SP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t reserved) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t MonoNToBGRA_SP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t reserved) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t Mono8ToBGR_SP(void* dst, const void* src, uint32_t width, int32_t height,
                                   uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t MonoNToBGR_SP(void* dst, const void* src, int32_t width, int32_t height,
-                                  uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t MonoNToBGR_SP(void* dst, const void* src, int32_t width, int32_t height, uint8_t shift,
+                                  uint8_t pad) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t Mono8ToBGRA_MP(void* dst, const void* src, uint32_t width,
                                    uint32_t height) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t MonoNToBGRA_MP(void* dst, const void* src, uint32_t width, uint32_t height,
                                    uint8_t shift) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t Mono8ToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
                                   uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t MonoNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                  uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t MonoNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                  uint8_t pad) PRISMO_NOEXCEPT;
 
 /**
  * Converters to BGRA. They always run on the caller's thread, whatever the processing mode.
@@ -303,12 +305,12 @@ PRISMO_API uint32_t BGR8PToBGRA_MP(void* dst, const void* src, uint32_t width, u
                                    uint8_t reserved) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t RGBNToBGRA_SP(void* dst, const void* src, uint32_t width, uint32_t height,
                                   uint8_t shift) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RGBNToBGRA_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                  uint8_t shift, uint8_t reserved) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RGBNToBGRA_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                  uint8_t reserved) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t BGRNToBGRA_SP(void* dst, const void* src, uint32_t width, uint32_t height,
                                   uint8_t shift) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t BGRNToBGRA_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                  uint8_t shift, uint8_t reserved) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t BGRNToBGRA_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                  uint8_t reserved) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t RGB8PToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height,
                                   uint8_t pad) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t RGB8PToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
@@ -317,14 +319,14 @@ PRISMO_API uint32_t BGR8PToBGR_SP(void* dst, const void* src, uint32_t width, ui
                                   uint8_t pad) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t BGR8PToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
                                   uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RGBNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                 uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RGBNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                 uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t BGRNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                 uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t BGRNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                 uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RGBNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                 uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RGBNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                 uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t BGRNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                 uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t BGRNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                 uint8_t pad) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t BGRA8ToBGRA_SP(void* dst, const void* src, uint32_t width,
                                    uint32_t height) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t BGRA8ToBGR_SP(void* dst, const void* src, int32_t width, int32_t height,
@@ -434,45 +436,43 @@ PRISMO_API uint32_t ConvYUV444PToBGRPad(void* dst, const void* src, uint32_t wid
  * With pad set, rows of a width that is no multiple of 4 are followed by zero bytes up to one; the pooled
  * Bayer forms write those bytes only in the first and the last row.
  */
-PRISMO_API uint32_t ConvImagePlanar(uint32_t pixelFormat, void* dstB, void* dstG, void* dstR,
-                                    const void* src, uint32_t width,
-                                    uint32_t height) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvImagePlanar(uint32_t pixelFormat, void* dstB, void* dstG, void* dstR, const void* src,
+                                    uint32_t width, uint32_t height) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t ConvImagePlanarEx(uint32_t pixelFormat, void* dstB, void* dstG, void* dstR,
-                                      const void* src, uint32_t width, uint32_t height,
-                                      uint8_t multiThread, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RGB8PToBGRPlanar_SP(void* dstB, void* dstG, void* dstR, const void* src,
-                                        int32_t width, int32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RGB8PToBGRPlanar_MP(void* dstB, void* dstG, void* dstR, const void* src,
-                                        uint32_t width, uint32_t height,
-                                        uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t BGR8PToBGRPlanar_SP(void* dstB, void* dstG, void* dstR, const void* src,
-                                        int32_t width, int32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t BGR8PToBGRPlanar_MP(void* dstB, void* dstG, void* dstR, const void* src,
-                                        uint32_t width, uint32_t height,
-                                        uint8_t pad) PRISMO_NOEXCEPT;
+                                      const void* src, uint32_t width, uint32_t height, uint8_t multiThread,
+                                      uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RGB8PToBGRPlanar_SP(void* dstB, void* dstG, void* dstR, const void* src, int32_t width,
+                                        int32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RGB8PToBGRPlanar_MP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                        uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t BGR8PToBGRPlanar_SP(void* dstB, void* dstG, void* dstR, const void* src, int32_t width,
+                                        int32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t BGR8PToBGRPlanar_MP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                        uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
 
 /**
- * Bilinear demosaic of 8-bit Bayer frames into planes; ConvertBayerFS picks the phase by the format.
+ * Bilinear demosaic of 8-bit Bayer frames into planes; ConvertBayerFS picks the phase by the format. Meant
+ * for even sizes: of an odd width, column width - 2 is left unwritten between the first and the last row, and
+ * of an odd height the pooled forms leave row height - 2. A side of 1 gives UTL_STS_INVALID_PARAMETER.
  */
-PRISMO_API uint32_t ByrBG8ToBGRFS_SP(void* dstB, void* dstG, void* dstR, const void* src,
-                                     uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrGB8ToBGRFS_SP(void* dstB, void* dstG, void* dstR, const void* src,
-                                     uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrGR8ToBGRFS_SP(void* dstB, void* dstG, void* dstR, const void* src,
-                                     uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrRG8ToBGRFS_SP(void* dstB, void* dstG, void* dstR, const void* src,
-                                     uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrBG8ToBGRFS_MP(void* dstB, void* dstG, void* dstR, const void* src,
-                                     uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrGB8ToBGRFS_MP(void* dstB, void* dstG, void* dstR, const void* src,
-                                     uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrGR8ToBGRFS_MP(void* dstB, void* dstG, void* dstR, const void* src,
-                                     uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrRG8ToBGRFS_MP(void* dstB, void* dstG, void* dstR, const void* src,
-                                     uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvertBayerFS(uint32_t pixelFormat, void* dstB, void* dstG, void* dstR,
-                                   const void* src, uint32_t width,
-                                   uint32_t height) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrBG8ToBGRFS_SP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                     uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrGB8ToBGRFS_SP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                     uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrGR8ToBGRFS_SP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                     uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrRG8ToBGRFS_SP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                     uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrBG8ToBGRFS_MP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                     uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrGB8ToBGRFS_MP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                     uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrGR8ToBGRFS_MP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                     uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrRG8ToBGRFS_MP(void* dstB, void* dstG, void* dstR, const void* src, uint32_t width,
+                                     uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvertBayerFS(uint32_t pixelFormat, void* dstB, void* dstG, void* dstR, const void* src,
+                                   uint32_t width, uint32_t height) PRISMO_NOEXCEPT;
 
 /* ---------------------------------------------------------------------------------------------- */
 /* Bayer: bilinear demosaic */
@@ -480,7 +480,7 @@ PRISMO_API uint32_t ConvertBayerFS(uint32_t pixelFormat, void* dstB, void* dstG,
 /**
  * The phase (BG, GB, GR, RG) names the colours of the first two samples of the top row. Width and height must
  * be even: odd sizes give UTL_STS_INVALID_PARAMETER. All averages truncate. N-bit forms take the right shift
- * that reduces a sample to 8 bits.
+ * that reduces a sample to 8 bits, modulo 32.
  */
 PRISMO_API uint32_t ByrBG8ToBGRA_SP(void* dst, const void* src, uint32_t width,
                                     uint32_t height) PRISMO_NOEXCEPT;
@@ -506,14 +506,14 @@ PRISMO_API uint32_t ByrGR8ToBGR_SP(void* dst, const void* src, uint32_t width, u
                                    uint8_t pad) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t ByrRG8ToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height,
                                    uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrBGNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrGBNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrGRNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrRGNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrBGNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrGBNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrGRNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrRGNToBGR_SP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t pad) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t ByrBG8ToBGRA_MP(void* dst, const void* src, uint32_t width,
                                     uint32_t height) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t ByrGB8ToBGRA_MP(void* dst, const void* src, uint32_t width,
@@ -538,14 +538,14 @@ PRISMO_API uint32_t ByrGR8ToBGR_MP(void* dst, const void* src, uint32_t width, u
                                    uint8_t pad) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t ByrRG8ToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
                                    uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrBGNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrGBNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrGRNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ByrRGNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height,
-                                   uint8_t shift, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrBGNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrGBNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrGRNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ByrRGNToBGR_MP(void* dst, const void* src, uint32_t width, uint32_t height, uint8_t shift,
+                                   uint8_t pad) PRISMO_NOEXCEPT;
 
 /**
  * Converters.
@@ -635,9 +635,9 @@ PRISMO_API uint32_t ConvByrRGNToBGRA(void* dst, const void* src, uint32_t width,
 /* Bayer: adaptive colour plane demosaic (8 bits) */
 
 /**
- * Adaptive colour plane interpolation (J. F. Hamilton and J. E. Adams, 1997): green along the direction of the
- * smaller gradient, red and blue as differences to green. The two outermost rows and columns are bilinear.
- * Sizes as for the bilinear demosaic.
+ * Adaptive colour plane interpolation (J. F. Hamilton and J. E. Adams, 1997): green along the direction of
+ * the smaller gradient, red and blue as differences to green. The two outermost rows and columns are
+ * bilinear. Sizes as for the bilinear demosaic.
  */
 PRISMO_API uint32_t ByrBG8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t width,
                                          uint32_t height) PRISMO_NOEXCEPT;
@@ -673,8 +673,8 @@ PRISMO_API uint32_t ByrRG8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t wid
                                         uint8_t pad) PRISMO_NOEXCEPT;
 
 /**
- * Converters. ConvByrGR8ToBGRPad_ACPI, ConvByrRG8ToBGRACPI and ConvByrRG8ToBGRPad_ACPI use the pool with every
- * processing mode but 0, the others with mode 1 only.
+ * Converters. ConvByrGR8ToBGRPad_ACPI, ConvByrRG8ToBGRACPI and ConvByrRG8ToBGRPad_ACPI use the pool with
+ * every processing mode but 0, the others with mode 1 only.
  */
 PRISMO_API uint32_t ConvByrBG8ToBGRAACPI(void* dst, const void* src, uint32_t width,
                                          uint32_t height) PRISMO_NOEXCEPT;
@@ -706,173 +706,149 @@ PRISMO_API uint32_t ConvByrRG8ToBGRPad_ACPI(void* dst, const void* src, uint32_t
 
 /**
  * Demosaics the rectangle at (left, top) of a frame into an image of dstWidth x dstHeight pixels, at
- * (dstLeft, dstTop). Nothing but the rectangle's pixels is written.
+ * (dstLeft, dstTop). Nothing but the rectangle's pixels is written, pad bytes neither. A frame with a side of
+ * 0 gives 0.
  *
- * UTL_STS_INVALID_PARAMETER: a null pointer; an odd size of frame or rectangle; a rectangle that is nearer than
- * two pixels to an edge of the frame, or that does not fit into the destination.
+ * UTL_STS_INVALID_PARAMETER: a null pointer; an odd size of frame or rectangle; a rectangle that is nearer
+ * than two pixels to an edge of the frame, or that does not fit into the destination.
  *
  * The phase routines take the phase of the rectangle's own top-left pixel; the Conv*Rect* converters take the
  * phase of the frame and a thread choice (multiThread non-zero: the pool).
  */
-PRISMO_API uint32_t RectBG8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectGB8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectGR8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectRG8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectBG8ToBGR_SP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                         uint32_t srcHeight, uint32_t left, uint32_t top,
-                                         uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
-                                         uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectGB8ToBGR_SP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                         uint32_t srcHeight, uint32_t left, uint32_t top,
-                                         uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
-                                         uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectGR8ToBGR_SP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                         uint32_t srcHeight, uint32_t left, uint32_t top,
-                                         uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
-                                         uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectRG8ToBGR_SP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                         uint32_t srcHeight, uint32_t left, uint32_t top,
-                                         uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
-                                         uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectBG8ToBGRA_MP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectGB8ToBGRA_MP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectGR8ToBGRA_MP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectRG8ToBGRA_MP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectBG8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                         uint32_t srcHeight, uint32_t left, uint32_t top,
-                                         uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
-                                         uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectGB8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                         uint32_t srcHeight, uint32_t left, uint32_t top,
-                                         uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
-                                         uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectGR8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                         uint32_t srcHeight, uint32_t left, uint32_t top,
-                                         uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
-                                         uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t RectRG8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                         uint32_t srcHeight, uint32_t left, uint32_t top,
-                                         uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
-                                         uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvBG8RectToBGRA_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                           uint32_t srcHeight, uint32_t left, uint32_t top,
-                                           uint32_t rectWidth, uint32_t rectHeight,
-                                           uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                           uint32_t dstTop, uint8_t multiThread) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvGB8RectToBGRA_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                           uint32_t srcHeight, uint32_t left, uint32_t top,
-                                           uint32_t rectWidth, uint32_t rectHeight,
-                                           uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                           uint32_t dstTop, uint8_t multiThread) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvGR8RectToBGRA_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                           uint32_t srcHeight, uint32_t left, uint32_t top,
-                                           uint32_t rectWidth, uint32_t rectHeight,
-                                           uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                           uint32_t dstTop, uint8_t multiThread) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvRG8RectToBGRA_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                           uint32_t srcHeight, uint32_t left, uint32_t top,
-                                           uint32_t rectWidth, uint32_t rectHeight,
-                                           uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                           uint32_t dstTop, uint8_t multiThread) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvBG8RectToBGR_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop, uint8_t pad,
+PRISMO_API uint32_t RectBG8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectGB8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectGR8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectRG8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectBG8ToBGR_SP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectGB8ToBGR_SP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectGR8ToBGR_SP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectRG8ToBGR_SP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectBG8ToBGRA_MP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectGB8ToBGRA_MP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectGR8ToBGRA_MP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectRG8ToBGRA_MP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectBG8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectGB8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectGR8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t RectRG8ToBGR_MP_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvBG8RectToBGRA_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                           uint32_t left, uint32_t top, uint32_t rectWidth,
+                                           uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                           uint32_t dstLeft, uint32_t dstTop,
+                                           uint8_t multiThread) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvGB8RectToBGRA_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                           uint32_t left, uint32_t top, uint32_t rectWidth,
+                                           uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                           uint32_t dstLeft, uint32_t dstTop,
+                                           uint8_t multiThread) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvGR8RectToBGRA_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                           uint32_t left, uint32_t top, uint32_t rectWidth,
+                                           uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                           uint32_t dstLeft, uint32_t dstTop,
+                                           uint8_t multiThread) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvRG8RectToBGRA_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                           uint32_t left, uint32_t top, uint32_t rectWidth,
+                                           uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                           uint32_t dstLeft, uint32_t dstTop,
+                                           uint8_t multiThread) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvBG8RectToBGR_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop, uint8_t pad,
                                           uint8_t multiThread) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvGB8RectToBGR_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop, uint8_t pad,
+PRISMO_API uint32_t ConvGB8RectToBGR_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop, uint8_t pad,
                                           uint8_t multiThread) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvGR8RectToBGR_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop, uint8_t pad,
+PRISMO_API uint32_t ConvGR8RectToBGR_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop, uint8_t pad,
                                           uint8_t multiThread) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ConvRG8RectToBGR_ACPI(void* dst, const void* src, uint32_t srcWidth,
-                                          uint32_t srcHeight, uint32_t left, uint32_t top,
-                                          uint32_t rectWidth, uint32_t rectHeight,
-                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
-                                          uint32_t dstTop, uint8_t pad,
+PRISMO_API uint32_t ConvRG8RectToBGR_ACPI(void* dst, const void* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t left, uint32_t top, uint32_t rectWidth,
+                                          uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
+                                          uint32_t dstLeft, uint32_t dstTop, uint8_t pad,
                                           uint8_t multiThread) PRISMO_NOEXCEPT;
 
 /**
  * outputKind: 1 BGR; 2 Pad; any other value BGRA. pixelFormat: one of the four 8-bit Bayer formats.
  * ConvBayerRect_ACPI uses the pool with every processing mode but 0.
  */
-PRISMO_API uint32_t ConvBayerRect_ACPI(uint32_t outputKind, uint32_t pixelFormat, void* dst,
-                                       const void* src, uint32_t srcWidth, uint32_t srcHeight,
-                                       uint32_t left, uint32_t top, uint32_t rectWidth,
-                                       uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
-                                       uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvBayerRect_ACPI(uint32_t outputKind, uint32_t pixelFormat, void* dst, const void* src,
+                                       uint32_t srcWidth, uint32_t srcHeight, uint32_t left, uint32_t top,
+                                       uint32_t rectWidth, uint32_t rectHeight, uint32_t dstWidth,
+                                       uint32_t dstHeight, uint32_t dstLeft, uint32_t dstTop) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t ConvBayerRectEx_ACPI(uint32_t outputKind, uint32_t pixelFormat, void* dst,
                                          const void* src, uint32_t srcWidth, uint32_t srcHeight,
-                                         uint32_t left, uint32_t top, uint32_t rectWidth,
-                                         uint32_t rectHeight, uint32_t dstWidth, uint32_t dstHeight,
-                                         uint32_t dstLeft, uint32_t dstTop,
-                                         uint8_t multiThread) PRISMO_NOEXCEPT;
+                                         uint32_t left, uint32_t top, uint32_t rectWidth, uint32_t rectHeight,
+                                         uint32_t dstWidth, uint32_t dstHeight, uint32_t dstLeft,
+                                         uint32_t dstTop, uint8_t multiThread) PRISMO_NOEXCEPT;
 
 /* ---------------------------------------------------------------------------------------------- */
 /* Mirrors */
 
 /**
- * Mirrors a frame left-right (horizontal non-zero), top-bottom (vertical non-zero) or both, in its own format.
- * UTL_STS_FAILURE for a format without a mirror. YUV 4:1:1 needs a width that is a multiple of 4, YUV 4:2:2 an
- * even one. A mirrored Bayer frame has another phase. ReverseImg uses the pool in processing mode 1 when
- * horizontal is set. RvrsImg_MP returns 0 whatever the pool reports.
+ * Mirrors a frame left-right (horizontal non-zero), top-bottom (vertical non-zero) or both, in its own
+ * format. UTL_STS_FAILURE for a format without a mirror. YUV 4:1:1 needs a width that is a multiple of 4, YUV
+ * 4:2:2 an even one. A mirrored Bayer frame has another phase. ReverseImg uses the pool in processing mode 1
+ * when horizontal is set. RvrsImg_MP returns 0 whatever the pool reports.
  */
 PRISMO_API uint32_t ReverseImg(void* dst, const void* src, uint32_t pixelFormat, uint32_t width,
-                               uint32_t height, uint8_t horizontal,
-                               uint8_t vertical) PRISMO_NOEXCEPT;
+                               uint32_t height, uint8_t horizontal, uint8_t vertical) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t RvrsImg_SP(void* dst, const void* src, uint32_t pixelFormat, uint32_t width,
-                               uint32_t height, uint8_t horizontal,
-                               uint8_t vertical) PRISMO_NOEXCEPT;
+                               uint32_t height, uint8_t horizontal, uint8_t vertical) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t RvrsImg_MP(void* dst, const void* src, uint32_t pixelFormat, uint32_t width,
-                               uint32_t height, uint8_t horizontal,
-                               uint8_t vertical) PRISMO_NOEXCEPT;
+                               uint32_t height, uint8_t horizontal, uint8_t vertical) PRISMO_NOEXCEPT;
 
 /* ---------------------------------------------------------------------------------------------- */
 /* Image files */
@@ -895,12 +871,12 @@ PRISMO_API uint32_t SaveBmpMono(const void* image, uint32_t width, uint32_t heig
                                 const char* path) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t SaveBmpMonoPad(const void* image, uint32_t width, uint32_t height,
                                    const char* path) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t SaveBmpARGBStrm(const void* image, uint32_t width, uint32_t height,
-                                    uint32_t stride, const char* path) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t SaveBmpRGBStrm(const void* image, uint32_t width, uint32_t height,
-                                   uint32_t stride, const char* path) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t SaveBmpMonoStrm(const void* image, uint32_t width, uint32_t height,
-                                    uint32_t stride, const char* path) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t SaveBmpARGBStrm(const void* image, uint32_t width, uint32_t height, uint32_t stride,
+                                    const char* path) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t SaveBmpRGBStrm(const void* image, uint32_t width, uint32_t height, uint32_t stride,
+                                   const char* path) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t SaveBmpMonoStrm(const void* image, uint32_t width, uint32_t height, uint32_t stride,
+                                    const char* path) PRISMO_NOEXCEPT;
 
 /**
  * JPEG files. SaveJpeg and SaveJpegQ encode BGR (layout 1) or BGRA (any other layout) images, SaveJpegRaw and
@@ -914,28 +890,28 @@ PRISMO_API uint32_t SaveJpeg(const void* image, uint32_t layout, uint32_t width,
                              const char* path) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t SaveJpegQ(const void* image, uint32_t layout, uint32_t quality, uint32_t width,
                               uint32_t height, const char* path) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t SaveJpegRaw(const void* image, uint32_t pixelFormat, uint32_t width,
-                                uint32_t height, const char* path) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t SaveJpegRQ(const void* image, uint32_t pixelFormat, uint32_t quality,
-                               uint32_t width, uint32_t height, const char* path) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t SaveJpegRaw(const void* image, uint32_t pixelFormat, uint32_t width, uint32_t height,
+                                const char* path) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t SaveJpegRQ(const void* image, uint32_t pixelFormat, uint32_t quality, uint32_t width,
+                               uint32_t height, const char* path) PRISMO_NOEXCEPT;
 
 /**
- * Raw frame files: a header of four little-endian 32-bit words (pixel format, width, height, bytes per row) and
- * the frame as it is. A row is (bits per pixel x width) >> 3 bytes, rounded up to a multiple of 4 for the two
- * padded formats. UTL_STS_INVALID_PARAMETER: null image, empty frame, or a row of 0 bytes (the file is left
- * empty then).
+ * Raw frame files: a header of four little-endian 32-bit words (pixel format, width, height, bytes per row)
+ * and the frame as it is. A row is (bits per pixel x width) >> 3 bytes, rounded up to a multiple of 4 for the
+ * two padded formats. UTL_STS_INVALID_PARAMETER: null image, empty frame, or a row of 0 bytes (the file is
+ * left empty then).
  */
-PRISMO_API uint32_t SaveRWH(const void* image, uint32_t pixelFormat, uint32_t width,
-                            uint32_t height, const char* path) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t SaveRWH(const void* image, uint32_t pixelFormat, uint32_t width, uint32_t height,
+                            const char* path) PRISMO_NOEXCEPT;
 
 /**
  * Loads a raw frame file. The four outputs may each be null. When *buffer is null, memory of rowSize x height
- * bytes is allocated for the frame: the caller owns it and releases it with FreeRWH. Otherwise the frame is read
- * to where *buffer points. A file that is shorter than its header says is not noticed: the bytes that it lacks
- * are left as they were. UTL_STS_FILE_READ_ERROR: no memory, or reading failed.
+ * bytes is allocated for the frame: the caller owns it and releases it with FreeRWH. Otherwise the frame is
+ * read to where *buffer points. A file that is shorter than its header says is not noticed: the bytes that it
+ * lacks are left as they were. UTL_STS_FILE_READ_ERROR: no memory, or reading failed.
  */
-PRISMO_API uint32_t LoadRWH(const char* path, uint8_t** buffer, uint32_t* pixelFormat,
-                            uint32_t* width, uint32_t* height, uint32_t* rowSize) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t LoadRWH(const char* path, uint8_t** buffer, uint32_t* pixelFormat, uint32_t* width,
+                            uint32_t* height, uint32_t* rowSize) PRISMO_NOEXCEPT;
 
 /**
  * Releases a frame that LoadRWH allocated; null is ignored.
@@ -948,35 +924,31 @@ PRISMO_API void FreeRWH(void* buffer) PRISMO_NOEXCEPT;
 /**
  * Makes a Bayer frame of a colour image by keeping one sample of each pixel.
  *
- * siteChannels holds four channel indices: of the top-left, bottom-left, top-right and bottom-right pixel of each
- * 2 x 2 tile, in this order. samplesPerPixel is 3 for BGR, 4 for BGRA. With pad set, source rows occupy a multiple
- * of 4 bytes. `10` stands for 16-bit words that hold 10 (or 12) bits. Null pointers, odd sizes and empty frames
- * give UTL_STS_INVALID_PARAMETER. ToBayer itself does nothing and returns UTL_STS_INVALID_PARAMETER.
+ * siteChannels holds four channel indices: of the top-left, bottom-left, top-right and bottom-right pixel of
+ * each 2 x 2 tile, in this order. samplesPerPixel is 3 for BGR, 4 for BGRA. With pad set, source rows occupy
+ * a multiple of 4 bytes. `10` stands for 16-bit words that hold 10 (or 12) bits. Null pointers, odd sizes and
+ * empty frames give UTL_STS_INVALID_PARAMETER. ToBayer itself does nothing and returns
+ * UTL_STS_INVALID_PARAMETER.
  */
 PRISMO_API uint32_t ToBayer(void) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ToBayer8to8(void* dst, const void* src, const int32_t* siteChannels,
-                                int32_t width, uint32_t height, int32_t samplesPerPixel,
-                                uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ToBayer8to10(void* dst, const void* src, const int32_t* siteChannels,
-                                 int32_t width, uint32_t height, int32_t samplesPerPixel,
-                                 uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ToBayer8to12(void* dst, const void* src, const int32_t* siteChannels,
-                                 int32_t width, uint32_t height, int32_t samplesPerPixel,
-                                 uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ToBayer10to8(void* dst, const void* src, const int32_t* siteChannels,
-                                 int32_t width, uint32_t height, int32_t samplesPerPixel,
-                                 uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ToBayer10to10(void* dst, const void* src, const int32_t* siteChannels,
-                                  int32_t width, uint32_t height, int32_t samplesPerPixel,
-                                  uint8_t pad) PRISMO_NOEXCEPT;
-PRISMO_API uint32_t ToBayer10to12(void* dst, const void* src, const int32_t* siteChannels,
-                                  int32_t width, uint32_t height, int32_t samplesPerPixel,
-                                  uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ToBayer8to8(void* dst, const void* src, const int32_t* siteChannels, int32_t width,
+                                uint32_t height, int32_t samplesPerPixel, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ToBayer8to10(void* dst, const void* src, const int32_t* siteChannels, int32_t width,
+                                 uint32_t height, int32_t samplesPerPixel, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ToBayer8to12(void* dst, const void* src, const int32_t* siteChannels, int32_t width,
+                                 uint32_t height, int32_t samplesPerPixel, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ToBayer10to8(void* dst, const void* src, const int32_t* siteChannels, int32_t width,
+                                 uint32_t height, int32_t samplesPerPixel, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ToBayer10to10(void* dst, const void* src, const int32_t* siteChannels, int32_t width,
+                                  uint32_t height, int32_t samplesPerPixel, uint8_t pad) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ToBayer10to12(void* dst, const void* src, const int32_t* siteChannels, int32_t width,
+                                  uint32_t height, int32_t samplesPerPixel, uint8_t pad) PRISMO_NOEXCEPT;
 
 /**
- * Turns a PRISMO_BGR8 or PRISMO_BGRA8 image into a camera frame: monochrome, RGB or BGR of 8, 10 or 12 bits, or
- * YUV. With pad set, source rows occupy a multiple of 4 bytes. Bayer targets are accepted and nothing is written.
- * UTL_STS_INVALID_PARAMETER: null pointer, empty frame, any other format, a width that YUV cannot hold.
+ * Turns a PRISMO_BGR8 or PRISMO_BGRA8 image into a camera frame: monochrome, RGB or BGR of 8, 10 or 12 bits,
+ * or YUV. With pad set, source rows occupy a multiple of 4 bytes. Bayer targets are accepted and nothing is
+ * written. UTL_STS_INVALID_PARAMETER: null pointer, empty frame, any other format, a width that YUV cannot
+ * hold.
  */
 PRISMO_API uint32_t ToRaw(void* dst, const void* src, uint32_t targetFormat, uint32_t sourceFormat,
                           uint32_t width, uint32_t height, uint8_t pad) PRISMO_NOEXCEPT;
@@ -987,8 +959,8 @@ PRISMO_API uint32_t ToRaw(void* dst, const void* src, uint32_t targetFormat, uin
 /**
  * A unit of work on the pool: one callback, run by all worker threads at once over blocks of rows.
  *
- * Callbacks read the fields that describe the images; the rest belongs to the engine. The record lives until the
- * submitting call has returned and the last worker has left the callback.
+ * Callbacks read the fields that describe the images; the rest belongs to the engine. The record lives until
+ * the submitting call has returned and the last worker has left the callback.
  */
 typedef struct MPWork MPWork;
 
@@ -996,9 +968,9 @@ typedef struct MPWork MPWork;
 typedef void (*MPWorkCallback)(MPWork* work);
 
 struct MPWork {
-  uint32_t WorkID;           /**< 1 for the first work of a pool, counting up */
+  uint32_t WorkID; /**< 1 for the first work of a pool, counting up */
   MPWorkCallback Callback;
-  int32_t Type;              /**< how rows are split: 0 equal, 1 shrinking, 2 shrinking and even */
+  int32_t Type; /**< how rows are split: 0 equal, 1 shrinking, 2 shrinking and even */
   const uint8_t* Src;
   uint32_t SrcWidth;
   uint32_t SrcHeight;
@@ -1009,34 +981,35 @@ struct MPWork {
   uint32_t DstHeight;
   uint32_t DstStride;
   uint32_t DstBytesPerPixel;
-  uint32_t Param;            /**< free for the callback */
-  int32_t FirstY;            /**< first and last row, inclusive */
+  uint32_t Param; /**< free for the callback */
+  int32_t FirstY; /**< first and last row, inclusive */
   int32_t LastY;
-  int32_t FirstX;            /**< first and last column, inclusive */
+  int32_t FirstX; /**< first and last column, inclusive */
   int32_t LastX;
   int32_t DstX;
   int32_t DstY;
-  int32_t CurrentY;          /**< next row to hand out */
-  int32_t WorkToDo;          /**< blocks not yet finished */
-  int32_t AccessCounter;     /**< threads inside the callback */
-  uint32_t Status;           /**< 0, UTL_STS_TIMEOUT, UTL_STS_FAILURE, or what a callback stored */
-  int32_t* BlockList;        /**< row counts, handed out from the last to the first */
-  int32_t NextBlock;         /**< index of the next block, -1 when none is left */
-  void* Lock;                /**< guards CurrentY, WorkToDo, AccessCounter, Status and NextBlock */
-  void* DoneEvent;           /**< raised by the last thread to leave */
+  int32_t CurrentY;      /**< next row to hand out */
+  int32_t WorkToDo;      /**< blocks not yet finished */
+  int32_t AccessCounter; /**< threads inside the callback */
+  uint32_t Status;       /**< 0, UTL_STS_TIMEOUT, UTL_STS_FAILURE, or what a callback stored */
+  int32_t* BlockList;    /**< row counts, handed out from the last to the first */
+  int32_t NextBlock;     /**< index of the next block, -1 when none is left */
+  void* Lock;            /**< guards CurrentY, WorkToDo, AccessCounter, Status and NextBlock */
+  void* DoneEvent;       /**< raised by the last thread to leave */
 };
 
 /**
- * Takes the next block of rows for a callback. first is 1 on the callback's first call for this work and 0 after
- * it; every later call reports the previous block as finished. Returns 1 while there is a block with rows:
- * convert rows *firstRow to *firstRow + *rowCount - 1, then call again. Returns 0 when the callback has to return.
+ * Takes the next block of rows for a callback. first is 1 on the callback's first call for this work and 0
+ * after it; every later call reports the previous block as finished. Returns 1 while there is a block with
+ * rows: convert rows *firstRow to *firstRow + *rowCount - 1, then call again. Returns 0 when the callback has
+ * to return.
  */
 PRISMO_API int32_t MPWorkTakeBlock(MPWork* work, int32_t first, int32_t* firstRow,
                                    int32_t* rowCount) PRISMO_NOEXCEPT;
 
 /**
- * Starts the pool with count threads (below 1: the default, processors - 1 but at least 1 and at most 16), at most
- * as many as there are processors. Always returns 0.
+ * Starts the pool with count threads (below 1: the default, processors - 1 but at least 1 and at most 16), at
+ * most as many as there are processors. Always returns 0.
  */
 PRISMO_API uint32_t StartMPThreads(int32_t count) PRISMO_NOEXCEPT;
 
@@ -1076,49 +1049,47 @@ PRISMO_API uint32_t SetMPTimeout_msec(uint32_t msec) PRISMO_NOEXCEPT;
 PRISMO_API uint32_t GetMPTimeout_msec(void) PRISMO_NOEXCEPT;
 
 /**
- * Runs a callback of the application's own on the pool and waits for it: 0, UTL_STS_TIMEOUT, UTL_STS_FAILURE when
- * the callback threw, or the status that the callback stored in the work. Arguments are not checked.
+ * Runs a callback of the application's own on the pool and waits for it: 0, UTL_STS_TIMEOUT, UTL_STS_FAILURE
+ * when the callback threw, or the status that the callback stored in the work. Arguments are not checked.
  *
- * blockRows is the number of rows of a block in type 0 (below 1: rows / threads). A work that ends up with a block of
- * no rows (type 1: fewer rows than threads, type 2: fewer rows than twice the threads, type 0: blockRows above the
- * number of rows), or of an unknown type, ends with UTL_STS_TIMEOUT after the full time-out.
+ * blockRows is the number of rows of a block in type 0 (below 1: rows / threads). A work that ends up with a
+ * block of no rows (type 1: fewer rows than threads, type 2: fewer rows than twice the threads, type 0:
+ * blockRows above the number of rows), or of an unknown type, ends with UTL_STS_TIMEOUT after the full
+ * time-out.
  */
-PRISMO_API uint32_t ExecWork0(MPWorkCallback callback, uint32_t firstX, uint32_t lastX,
-                              uint32_t firstY, uint32_t lastY, uint32_t dstX, uint32_t dstY,
-                              const void* src, uint32_t srcWidth, uint32_t srcHeight,
-                              uint32_t srcBytesPerPixel, uint32_t srcStride, void* dst,
-                              uint32_t dstWidth, uint32_t dstHeight, uint32_t dstBytesPerPixel,
-                              uint32_t dstStride, uint32_t param, uint32_t blockRows,
-                              uint32_t type) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ExecWork0(MPWorkCallback callback, uint32_t firstX, uint32_t lastX, uint32_t firstY,
+                              uint32_t lastY, uint32_t dstX, uint32_t dstY, const void* src,
+                              uint32_t srcWidth, uint32_t srcHeight, uint32_t srcBytesPerPixel,
+                              uint32_t srcStride, void* dst, uint32_t dstWidth, uint32_t dstHeight,
+                              uint32_t dstBytesPerPixel, uint32_t dstStride, uint32_t param,
+                              uint32_t blockRows, uint32_t type) PRISMO_NOEXCEPT;
 
 /**
  * ExecWork0 over the whole width, source and destination of the same size.
  */
-PRISMO_API uint32_t ExecWork1(MPWorkCallback callback, uint32_t firstY, uint32_t lastY,
-                              const void* src, uint32_t width, uint32_t height,
-                              uint32_t srcBytesPerPixel, uint32_t srcStride, void* dst,
-                              uint32_t dstBytesPerPixel, uint32_t dstStride, uint32_t param,
+PRISMO_API uint32_t ExecWork1(MPWorkCallback callback, uint32_t firstY, uint32_t lastY, const void* src,
+                              uint32_t width, uint32_t height, uint32_t srcBytesPerPixel, uint32_t srcStride,
+                              void* dst, uint32_t dstBytesPerPixel, uint32_t dstStride, uint32_t param,
                               uint32_t blockRows, uint32_t type) PRISMO_NOEXCEPT;
 
 /**
  * ExecWork1 with the same pixel size and stride on both sides.
  */
-PRISMO_API uint32_t ExecWork2(MPWorkCallback callback, uint32_t firstY, uint32_t lastY,
-                              const void* src, uint32_t width, uint32_t height,
-                              uint32_t bytesPerPixel, uint32_t stride, void* dst, uint32_t param,
-                              uint32_t blockRows, uint32_t type) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ExecWork2(MPWorkCallback callback, uint32_t firstY, uint32_t lastY, const void* src,
+                              uint32_t width, uint32_t height, uint32_t bytesPerPixel, uint32_t stride,
+                              void* dst, uint32_t param, uint32_t blockRows, uint32_t type) PRISMO_NOEXCEPT;
 
 /**
- * ExecWork0 without waiting; the handle is for WaitWorkDone, which must be called once for it. Rows come before
- * columns here, unlike in ExecWork0. Returns 0; UTL_STS_INVALID_PARAMETER without a place for the handle.
+ * ExecWork0 without waiting; the handle is for WaitWorkDone, which must be called once for it. Rows come
+ * before columns here, unlike in ExecWork0. Returns 0; UTL_STS_INVALID_PARAMETER without a place for the
+ * handle.
  */
-PRISMO_API uint32_t StartWork(MPWork** work, MPWorkCallback callback, uint32_t firstY,
-                              uint32_t lastY, uint32_t firstX, uint32_t lastX, uint32_t dstX,
-                              uint32_t dstY, const void* src, uint32_t srcWidth, uint32_t srcHeight,
-                              uint32_t srcBytesPerPixel, uint32_t srcStride, void* dst,
-                              uint32_t dstWidth, uint32_t dstHeight, uint32_t dstBytesPerPixel,
-                              uint32_t dstStride, uint32_t param, uint32_t blockRows,
-                              uint32_t type) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t StartWork(MPWork** work, MPWorkCallback callback, uint32_t firstY, uint32_t lastY,
+                              uint32_t firstX, uint32_t lastX, uint32_t dstX, uint32_t dstY, const void* src,
+                              uint32_t srcWidth, uint32_t srcHeight, uint32_t srcBytesPerPixel,
+                              uint32_t srcStride, void* dst, uint32_t dstWidth, uint32_t dstHeight,
+                              uint32_t dstBytesPerPixel, uint32_t dstStride, uint32_t param,
+                              uint32_t blockRows, uint32_t type) PRISMO_NOEXCEPT;
 
 /**
  * Waits for a started work, releases it and returns its status. The handle is invalid afterwards.
@@ -1143,11 +1114,10 @@ PRISMO_API int32_t GetMPLogTerminationLog(void) PRISMO_NOEXCEPT;
  * Renders a saved log as text, leaving out records below the given level. UTL_STS_FILE_OPEN_ERROR or
  * UTL_STS_FILE_READ_ERROR on failure.
  */
-PRISMO_API uint32_t ConvLogPXU(const char* logPath, const char* textPath,
-                               uint32_t level) PRISMO_NOEXCEPT;
+PRISMO_API uint32_t ConvLogPXU(const char* logPath, const char* textPath, uint32_t level) PRISMO_NOEXCEPT;
 
 #ifdef __cplusplus
-}  /* extern "C" */
+} /* extern "C" */
 #endif
 
-#endif  /* PRISMOUTL_H_ */
+#endif /* PRISMOUTL_H_ */

@@ -109,15 +109,15 @@ Status AcpiOnCaller(const AcpiForm& form, void* dst, const void* src, FrameSize 
 Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize size) {
   if (!dst || !src) return Status::kInvalidParameter;
   if (size.Empty()) {
-    mp::LogConversion(EntryName(form), mp::LogKind::kWarning, mp::LogLevel::kWarn, size.width, size.height);
+    mp::LogSkipped(EntryName(form), size);
     return Status::kSuccess;
   }
   if (!size.Even()) return Status::kInvalidParameter;
   const auto [width, height] = size;
-  mp::LogConversion(EntryName(form), mp::LogKind::kStarted, mp::LogLevel::kInfo);
+  mp::LogStarted(EntryName(form));
   const BilinearJob border = MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0);
   ConvertBorderRows(border);
-  mp::LogConversion(EntryName(form), mp::LogKind{1}, mp::LogLevel::kInfo);
+  mp::LogStep(EntryName(form), mp::LogKind::kStep1);
 
   AcpiJob job = MakeJob(form, dst, src, size);
   const GreenWork green{.greens = {job.images, {kBorder, width - std::min(width, kBorder)}},
@@ -145,7 +145,7 @@ Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize si
                             .type = 2};
   const Status green_status = mp::RunOnPool(geometry, green, GreenWorkerName(form));
   if (green_status != Status::kSuccess) return green_status;
-  mp::LogConversion(EntryName(form), mp::LogKind{2}, mp::LogLevel::kInfo);
+  mp::LogStep(EntryName(form), mp::LogKind::kStep2);
 
   geometry.first_x = kBorder;
   geometry.last_x = width - kBorder - 1;

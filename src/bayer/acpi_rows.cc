@@ -167,10 +167,13 @@ void PutBgra(const uint8_t* greens, ColumnRange columns, const RowTarget& target
   constexpr size_t kPixels = hn::MaxLanes(D32());
   uint8_t* dst = target.plane[0] + size_t{4} * (columns.begin - target.first_column);
   size_t x = columns.begin;
-  for (; x + kPixels <= columns.end; x += kPixels, dst += 4 * kPixels) {
-    const auto green = hn::BitCast(D8(), hn::ShiftLeft<8>(hn::PromoteTo(d, hn::LoadU(d_bytes, greens + x))));
-    const auto others = hn::And(hn::LoadU(D8(), dst), hn::BitCast(D8(), hn::Set(d, 0xFFFF00FFu)));
-    hn::StoreU(hn::Or(others, green), D8(), dst);
+  if constexpr (kPixels > 1) {  // the one-lane target has no vector of four bytes
+    for (; x + kPixels <= columns.end; x += kPixels, dst += 4 * kPixels) {
+      const auto green =
+          hn::BitCast(D8(), hn::ShiftLeft<8>(hn::PromoteTo(d, hn::LoadU(d_bytes, greens + x))));
+      const auto others = hn::And(hn::LoadU(D8(), dst), hn::BitCast(D8(), hn::Set(d, 0xFFFF00FFu)));
+      hn::StoreU(hn::Or(others, green), D8(), dst);
+    }
   }
   for (; x < columns.end; ++x, dst += 4) dst[1] = greens[x];
 }

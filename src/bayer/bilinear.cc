@@ -85,15 +85,15 @@ Status BilinearOnCaller(const BilinearForm& form, void* dst, const void* src, Fr
 Status BilinearOnPool(const BilinearForm& form, void* dst, const void* src, FrameSize size, uint32_t shift) {
   if (!dst || !src) return Status::kInvalidParameter;
   if (size.Empty()) {
-    mp::LogConversion(EntryName(form), mp::LogKind::kWarning, mp::LogLevel::kWarn, size.width, size.height);
+    mp::LogSkipped(EntryName(form), size);
     return Status::kSuccess;
   }
   if (!size.Even()) return Status::kInvalidParameter;
   const BilinearJob job = MakeBilinearJob(form, dst, src, size, shift);
-  mp::LogConversion(EntryName(form), mp::LogKind::kStarted, mp::LogLevel::kInfo);
+  mp::LogStarted(EntryName(form));
   job.Rows({0, 1});
   job.Rows({static_cast<int32_t>(size.height - 1), 1});
-  mp::LogConversion(EntryName(form), mp::LogKind{1}, mp::LogLevel::kInfo);
+  mp::LogStep(EntryName(form), mp::LogKind::kStep1);
   return mp::RunOnPool(
       mp::WholeWidth(1, size.height - 2, src, size.width, size.height, RowPairsSwapped(form.phase),
                      static_cast<uint32_t>(job.src_pitch), dst,

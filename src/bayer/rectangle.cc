@@ -101,16 +101,16 @@ Status OnPool(const AcpiForm& form, const Rectangle& r) {
                             .param = 0,
                             .block_rows = 0,
                             .type = 2};
-  mp::LogConversion(EntryName(form), mp::LogKind::kStarted, mp::LogLevel::kInfo);
+  mp::LogStarted(EntryName(form));
   const GreenJob green{jobs.whole.images, jobs.whole.region.columns};
   const Status green_status = mp::RunOnPool(
       geometry, green,
       bgra ? (bg_family ? LogFunction::kBGGR8ToBGRA_ACPI_G_WK : LogFunction::kGBRG8ToBGRA_ACPI_G_WK)
            : (bg_family ? LogFunction::kBGGR8ToBGR_ACPI_G_WK : LogFunction::kGBRG8ToBGR_ACPI_G_WK));
   if (green_status != Status::kSuccess) return green_status;
-  mp::LogConversion(EntryName(form), mp::LogKind{1}, mp::LogLevel::kInfo);
+  mp::LogStep(EntryName(form), mp::LogKind::kStep1);
   jobs.ConvertRing(r);
-  mp::LogConversion(EntryName(form), mp::LogKind{2}, mp::LogLevel::kInfo);
+  mp::LogStep(EntryName(form), mp::LogKind::kStep2);
 
   // The interior starts one row and one column later: in the other family, with its row pairs swapped.
   geometry.first_x += 1;
@@ -131,10 +131,7 @@ Status OnPool(const AcpiForm& form, const Rectangle& r) {
 Status DemosaicRectangle(const AcpiForm& form, const Rectangle& rectangle, Threads threads) {
   if (!Valid(rectangle)) return Status::kInvalidParameter;
   if (rectangle.frame.Empty()) {
-    if (threads == Threads::kPool) {
-      mp::LogConversion(EntryName(form), mp::LogKind::kWarning, mp::LogLevel::kWarn, rectangle.frame.width,
-                        rectangle.frame.height);
-    }
+    if (threads == Threads::kPool) mp::LogSkipped(EntryName(form), rectangle.frame);
     return Status::kSuccess;
   }
   if (threads == Threads::kPool) return OnPool(form, rectangle);

@@ -97,14 +97,13 @@ Status ConvertOnCaller(const Conversion& conversion, void* dst, const void* src,
 }
 
 Status ConvertOnPool(const PoolForm& form, void* dst, const void* src, FrameSize size) {
-  using enum mp::LogKind;
   const Conversion& conversion = form.conversion;
-  mp::LogConversion(form.entry, kStarted, mp::LogLevel::kInfo);
   if (!dst || !src) return Status::kInvalidParameter;
   if (size.Empty()) {
-    mp::LogConversion(form.entry, kWarning, mp::LogLevel::kWarn, size.width, size.height);
+    mp::LogSkipped(form.entry, size);
     return Status::kSuccess;
   }
+  mp::LogStarted(form.entry);
   if (conversion.tables == TableUse::kBuild) EnsureTables();
   const auto dst_stride = static_cast<uint32_t>(RowBytes(conversion.layout, size.width));
   return mp::RunOnPool(

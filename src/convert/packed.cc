@@ -41,9 +41,14 @@ bool HasPadBytes(Layout layout, uint32_t width) {
 }
 
 Status CopyInsteadOfPool(mp::LogFunction entry, void* dst, const void* src, FrameSize size) {
-  mp::LogConversion(entry, mp::LogKind::kStarted, mp::LogLevel::kInfo);
+  if (!dst || !src) return Status::kInvalidParameter;
+  if (size.Empty()) {
+    mp::LogSkipped(entry, size);
+    return Status::kSuccess;
+  }
+  mp::LogStartedWithoutPool(entry);
   const Status status = ConvertOnCaller({Source::kBgr8, Layout::kBgr}, dst, src, size);
-  if (status == Status::kSuccess) mp::LogConversion(entry, mp::LogKind::kStep1, mp::LogLevel::kInfo);
+  mp::LogStep(entry, mp::LogKind::kStep1);
   return status;
 }
 

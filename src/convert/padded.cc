@@ -7,6 +7,7 @@ namespace {
 
 Status ConvertPaddedRows(const Conversion& conversion, void* dst, const void* src, FrameSize size) {
   if (size.Empty()) return Status::kSuccess;
+  if (!dst || !src) return Status::kInvalidParameter;
   ConvertJob job = RowsJob(conversion, dst, src, size);
   job.src_pitch = PadTo4(job.src_pitch);
   job.pad_bytes = 0;
@@ -30,8 +31,8 @@ Status PaddedMono8ToBgr(Layout layout, void* dst, const void* src, FrameSize siz
 }
 
 Status PaddedBgr8ToBgr(Layout layout, void* dst, const void* src, FrameSize size) {
+  if (size.Empty() || !dst || !src) return Status::kSuccess;
   if (layout != Layout::kBgrPad) return ConvertPaddedRows({Source::kBgr8, layout}, dst, src, size);
-  if (size.Empty()) return Status::kSuccess;
   // The output is laid out as the input: words of 4 bytes, as many as there are.
   const size_t words = RowBytes(layout, size.width) / 4 * size.height;
   RunJob({Source::kBgra8, Layout::kBgra}, dst, src, words).Rows({0, 1});

@@ -6,14 +6,14 @@
 
 namespace prismo {
 
-// On the caller's thread. Buffers are not tested for null; an empty frame touches none.
+// On the caller's thread. An empty frame is looked at before null buffers.
 Status PaddedMono8ToBgra(void* dst, const void* src, FrameSize size);
 Status PaddedBgr8ToBgra(void* dst, const void* src, FrameSize size);
 
 // Leaves the pad bytes of padded output as they were.
 Status PaddedMono8ToBgr(Layout layout, void* dst, const void* src, FrameSize size);
 
-// Copies the pad bytes to padded output.
+// Copies the pad bytes to padded output. Succeeds with null buffers, too: there is nothing to copy then.
 Status PaddedBgr8ToBgr(Layout layout, void* dst, const void* src, FrameSize size);
 
 }  // namespace prismo

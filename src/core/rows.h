@@ -1,4 +1,5 @@
-// The unit of work is a range of rows: the caller's thread converts the range of all rows, a worker its block.
+// The unit of work is a range of rows: the caller's thread converts the range of all rows, a worker its
+// block.
 #pragma once
 
 #include <cstdint>

@@ -19,8 +19,9 @@ namespace {
 
 using PoolRef = Ref<MPManager>;
 
-// A plain pointer: a thread-local object with a destructor would keep the library from being unloaded.
-constinit thread_local const SharedWithWorks* shared_with_works = nullptr;
+// A plain pointer: a thread-local object with a destructor would keep the library from being unloaded. In the
+// initial-exec model, as any other may take the lock that whoever unloads the library holds.
+[[gnu::tls_model("initial-exec")]] constinit thread_local const SharedWithWorks* shared_with_works = nullptr;
 
 // The pool of this process. Exists before any constructor runs and is never destroyed, since applications may
 // convert in constructors and destructors of their own.
@@ -129,10 +130,25 @@ std::shared_ptr<void> SharedWithWorks::Memory() {
   return shared_with_works ? shared_with_works->memory_ : nullptr;
 }
 
-void LogConversion(LogFunction function, LogKind kind, LogLevel level, uint32_t argument1,
-                   uint32_t argument2) {
+void LogStarted(LogFunction conversion) {
+  WithPool(Status::kFailure, [&](MPManager& pool) {
+    pool.GetLog().Record({conversion, LogKind::kStarted, LogLevel::kInfo});
+    return Status::kSuccess;
+  });
+}
+
+void LogStartedWithoutPool(LogFunction conversion) { LogStep(conversion, LogKind::kStarted); }
+
+void LogStep(LogFunction conversion, LogKind step) {
   const PoolRef pool = ExistingPool();
-  if (pool) pool->GetLog().Record({function, kind, level, 0, {argument1, argument2}});
+  if (pool) pool->GetLog().Record({conversion, step, LogLevel::kInfo});
+}
+
+void LogSkipped(LogFunction conversion, FrameSize empty) {
+  const PoolRef pool = ExistingPool();
+  if (pool) {
+    pool->GetLog().Record({conversion, LogKind::kWarning, LogLevel::kWarn, 0, {empty.width, empty.height}});
+  }
 }
 
 Status StartThreads(int32_t count) noexcept {

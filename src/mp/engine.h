@@ -6,6 +6,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "core/frame.h"
 #include "core/rows.h"
 #include "core/status.h"
 #include "mp/log_functions.h"
@@ -74,8 +75,13 @@ class SharedWithWorks {
   const std::shared_ptr<void> memory_;
 };
 
-// Records an event of a conversion entry point in the pool's log; nothing happens while there is no pool.
-void LogConversion(LogFunction function, LogKind kind, LogLevel level, uint32_t argument1 = 0,
-                   uint32_t argument2 = 0);
+// What the log shows of conversions. A conversion that starts on the pool makes it, so that the log of the
+// first one is whole; nothing else is recorded while there is no pool.
+void LogStarted(LogFunction conversion);
+void LogStep(LogFunction conversion, LogKind step);
+void LogSkipped(LogFunction conversion, FrameSize empty);
+
+// A conversion that never uses the pool, although it is named after it.
+void LogStartedWithoutPool(LogFunction conversion);
 
 }  // namespace prismo::mp

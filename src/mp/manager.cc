@@ -4,6 +4,8 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/process.h"
+
 namespace prismo::mp {
 namespace {
 
@@ -22,9 +24,6 @@ LogArguments Rows(Work& work) {
   return {work.CallbackTag(), Bits(work.FirstY), Bits(work.LastY), Bits(work.BlocksToDo())};
 }
 
-// The pool that the calling thread works for. No object with a destructor: the library can be unloaded.
-constinit thread_local const MPManager* pool_of_this_thread = nullptr;
-
 LogLevel LevelOf(Status status) { return status == Status::kSuccess ? LogLevel::kInfo : LogLevel::kError; }
 
 }  // namespace
@@ -40,7 +39,11 @@ MPManager::~MPManager() = default;
 
 int32_t MPManager::Default() const { return std::clamp(processors_ - 1, 1, kMaxThreads); }
 
-bool MPManager::IsOwnThread() const { return pool_of_this_thread == this; }
+bool MPManager::IsOwnThread() const {
+  return std::ranges::any_of(slots_, [self = platform::ThreadId()](const ThreadSlot& slot) {
+    return slot.thread_id.load(std::memory_order_relaxed) == self;
+  });
+}
 
 Status MPManager::SetThreadCount(int32_t count) {
   if (IsOwnThread()) return Status::kFailure;
@@ -191,7 +194,8 @@ WorkRef MPManager::CreateWork(const WorkRequest& request) {
 
 // Failure without memory, and when the pool is being terminated.
 Status MPManager::AppendWork(const WorkRef& work, LogBatch& log) {
-  log.Add(LogFunction::kManagerAppendWork, LogKind::kStarted, LogLevel::kInfo, Rows(*work));
+  const LogArguments rows = Rows(*work);
+  log.Add(LogFunction::kManagerAppendWork, LogKind::kStarted, LogLevel::kInfo, rows);
   if (CurrentThreads() == 0) SetThreadCount(thread_count_);
   const Status queued = NoThrow(Status::kFailure, [&] {
     std::lock_guard guard(work_lock_);
@@ -203,8 +207,8 @@ Status MPManager::AppendWork(const WorkRef& work, LogBatch& log) {
   });
   if (queued != Status::kSuccess) return queued;
   WakeThreads();
-  log.Add(LogFunction::kManagerAppendWork, LogKind::kStep1, LogLevel::kInfo, Rows(*work));
-  log.Add(LogFunction::kManagerAppendWork, LogKind::kFinished, LogLevel::kInfo, Rows(*work));
+  log.Add(LogFunction::kManagerAppendWork, LogKind::kStep1, LogLevel::kInfo, rows);
+  log.Add(LogFunction::kManagerAppendWork, LogKind::kFinished, LogLevel::kInfo, rows);
   return Status::kSuccess;
 }
 
@@ -275,7 +279,7 @@ Work* MPManager::After(const Work& work) const {
 // Working ---------------------------------------------------------------------------------------------------
 
 void MPManager::ThreadExec(ThreadSlot& slot) {
-  pool_of_this_thread = this;
+  slot.thread_id.store(platform::ThreadId(), std::memory_order_relaxed);
   Record(LogFunction::kManagerThreadExec, LogKind::kStarted, LogLevel::kInfo);
   platform::ThreadPriority own;
   int32_t applied = 0;
@@ -288,6 +292,7 @@ void MPManager::ThreadExec(ThreadSlot& slot) {
     ExecFunc(slot);
     ApplyPriority(own, applied);
   }
+  slot.thread_id.store(0, std::memory_order_relaxed);
   Record(LogFunction::kManagerThreadExec, LogKind::kFinished, LogLevel::kInfo);
 }
 
@@ -306,18 +311,16 @@ void MPManager::ExecFunc(ThreadSlot& slot) {
   for (;;) {
     WorkRef work;
     bool joined = false;
-    size_t queued = 0;
     {
       std::lock_guard guard(work_lock_);
       if (!m_PCurrentWork) break;
-      queued = m_aoWork.size();
       work = WorkRef(m_PCurrentWork);
       id = work->WorkID;
+      if (!std::exchange(started, true)) {
+        log.Add(LogFunction::kManagerExecFunc, LogKind::kStarted, LogLevel::kDebug,
+                {Tag(work.Get()), static_cast<uint32_t>(m_aoWork.size())});
+      }
       joined = work->TryAccess(slot.index, log);
-    }
-    if (!std::exchange(started, true)) {
-      log.Add(LogFunction::kManagerExecFunc, LogKind::kStarted, LogLevel::kDebug,
-              {Tag(work.Get()), static_cast<uint32_t>(queued)});
     }
     if (joined) {
       log.Add(LogFunction::kManagerExecFunc, LogKind::kStep1, LogLevel::kDebug);
@@ -338,6 +341,7 @@ void MPManager::ExecFunc(ThreadSlot& slot) {
 void MPManager::RunCallback(Work& work, ThreadSlot& slot, LogBatch& log) {
   try {
     work.Callback(&work);
+    work.NoticeEnd();
   } catch (...) {
     work.Fail(slot.index, log);
   }

@@ -57,8 +57,9 @@ class MPManager : public Counted<MPManager> {
   // kInvalidParameter for what is no handle of this pool, or no longer one.
   Status WaitWorkDone(const MPWork* handle);
 
-  // For other threads than the pool's own. Ends all threads, when they are through with the works they are in, and lets go of all works. Submitters
-  // that still wait get kFailure; so does whoever submits from now on.
+  // For other threads than the pool's own. Ends all threads, when they are through with the works they are
+  // in, and lets go of all works. Submitters that still wait get kFailure; so does whoever submits from now
+  // on.
   void Terminate();
 
   Log& GetLog() { return log_; }
@@ -76,6 +77,7 @@ class MPManager : public Counted<MPManager> {
     int32_t index = 0;
     platform::Event wake;
     std::atomic<bool> terminate{false};
+    std::atomic<uint32_t> thread_id{0};  // while the thread runs
     platform::Thread thread;
   };
 

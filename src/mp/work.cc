@@ -129,8 +129,18 @@ RowRange Work::GetWork(bool first, LogFunction function, LogBatch& log) {
   return range;
 }
 
+void Work::NoticeEnd() {
+  bool ended = false;
+  {
+    std::lock_guard guard(lock_);
+    ended = Accesses() < 1 && (NextBlock < 0 || CurrentStatus() != prismo::Status::kSuccess);
+  }
+  if (ended) done_.Set();
+}
+
 void Work::Fail(int32_t participant, LogBatch& log) {
   SetStatus(prismo::Status::kFailure, log);
+  log.Flush();  // the submitter may save the log as soon as it is awake
   bool last = false;
   {
     std::lock_guard guard(lock_);

@@ -51,6 +51,10 @@ class Work : public MPWork, public Counted<Work> {
   // drawn a block without rows.
   RowRange GetWork(bool first, LogFunction function, LogBatch& log);
 
+  // For after a callback, in case that it took its blocks through the fields of MPWork and not through
+  // GetWork: raises the event if nobody is inside and nothing is left to take.
+  void NoticeEnd();
+
   // Takes the place of the GetWork calls of a participant whose callback has thrown.
   void Fail(int32_t participant, LogBatch& log);
 

@@ -1,4 +1,5 @@
-// Threads with the system's default stack that receive none of the process's signals.
+// Threads with the system's default stack that receive none of the process's signals, only those that they
+// cause themselves.
 #pragma once
 
 #include <cstddef>

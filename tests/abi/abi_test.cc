@@ -63,7 +63,8 @@ TEST(Abi, TheHeaderDeclaresTheListedNames) {
 }
 
 TEST(Abi, TheLibraryDefinesTheListedNamesAndNoOthers) {
-  const std::string symbols = OutputOf(std::string(PRISMO_NM) + " -D --defined-only '" + PRISMO_LIBRARY + "'");
+  const std::string symbols =
+      OutputOf(std::string(PRISMO_NM) + " -D --defined-only '" + PRISMO_LIBRARY + "'");
   const Names defined = Matches(symbols, std::regex(R"([0-9a-f]+ [B-Zb-z] (\w+))"));
   EXPECT_EQ(Missing(defined, ListedNames()), Names());
   EXPECT_EQ(Missing(ListedNames(), defined), Names());

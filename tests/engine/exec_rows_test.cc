@@ -53,7 +53,8 @@ TEST_F(ExecRowsTest, AnExceptionFailsTheCallButNotThePool) {
 }
 
 TEST_F(ExecRowsTest, LoggingMakesNoPool) {
-  LogConversion(LogFunction::kMono8ToBGRA_MP, LogKind::kWarning, LogLevel::kWarn, 0, 5);
+  LogSkipped(LogFunction::kMono8ToBGRA_MP, {0, 5});
+  LogStartedWithoutPool(LogFunction::kBGR8PToBGR_MP);
   EXPECT_TRUE(IsMPMngrNULL());
 }
 

@@ -2,6 +2,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -202,6 +203,23 @@ TEST_F(Lifecycle, AProcessMayExitWithWorksOfAllKinds) {
               std::this_thread::sleep_for(std::chrono::seconds(30));
             }),
             0);
+}
+
+// An application may handle the faults of its callbacks, and gets its other signals on threads of its own.
+TEST_F(Lifecycle, WorkersReceiveNoSignalsButTheirOwnFaults) {
+  static std::atomic<bool> faults_blocked{true}, others_blocked{false};
+  const auto look = [](MPWork* work) {
+    sigset_t blocked;
+    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    faults_blocked = sigismember(&blocked, SIGSEGV) || sigismember(&blocked, SIGBUS) ||
+                     sigismember(&blocked, SIGFPE) || sigismember(&blocked, SIGILL);
+    others_blocked = sigismember(&blocked, SIGINT) && sigismember(&blocked, SIGALRM) &&
+                     sigismember(&blocked, SIGTERM) && sigismember(&blocked, SIGUSR1);
+    Drain(work);
+  };
+  ASSERT_EQ(ExecWork1(look, 0, 9, nullptr, 16, 10, 1, 16, nullptr, 1, 16, 0, 10, 0), 0u);
+  EXPECT_FALSE(faults_blocked);
+  EXPECT_TRUE(others_blocked);
 }
 
 }  // namespace

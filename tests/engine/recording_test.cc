@@ -37,13 +37,12 @@ const std::vector<std::pair<std::regex, std::string>> kVarying = {
     {std::regex("ID of CurrentWork:[0-9]+|CurrentWork is none"), "@"},
 };
 
-class Recording : public FreshPool {
+class RecordingFromTheStart : public FreshPool {
  protected:
-  Recording() {
+  RecordingFromTheStart() {
     const std::string kit = folder_ / "kit/PrismoApi/bin/x64";
     std::filesystem::create_directories(kit);
     test::WriteText(kit + "/PrismoUtl.cfg", "PrismoUtl: DEBUG 10000 PATH=" + (folder_ / "logs") + "\n");
-    StartMPThreads(1);
   }
 
   // Ends the pool and reads its log. Numbers that differ from run to run are replaced by what they are.
@@ -77,6 +76,11 @@ class Recording : public FreshPool {
   test::ScopedEnvironment kit_{"PRISMOSDK", folder_ / "kit"};
 };
 
+class Recording : public RecordingFromTheStart {
+ protected:
+  Recording() { StartMPThreads(1); }
+};
+
 // Those that are about the work.
 Lines Of(const std::string& work, const Lines& messages) {
   Lines own;
@@ -101,9 +105,9 @@ const Lines kQueued = {
 };
 
 const Lines kJoined = {
+    "MPManager::ExecFunc          Started. m_PCurrentWork:@, m_aoWork.size():1.",
     "MPWork::TryAccess            Started. Access counter:0.",
     "MPWork::TryAccess            Access allowed(1), access counter:1.",
-    "MPManager::ExecFunc          Started. m_PCurrentWork:@, m_aoWork.size():1.",
     "MPManager::ExecFunc          Got work.",
 };
 
@@ -269,8 +273,23 @@ TEST_F(Recording, AConversion) {
     if (message.starts_with("Mono8")) conversions.push_back(message);
   }
   EXPECT_EQ(conversions,
-            (Lines{"Mono8ToBGRA_MP               Started.", "Mono8ToBGRA_MP               Started.",
+            (Lines{"Mono8ToBGRA_MP               Started.",
                    "Mono8ToBGRA_MP               Skipped due to zero target size. Width:0, Height:10."}));
+}
+
+// Nothing of the first conversion is missing, although there is no log before it.
+TEST_F(RecordingFromTheStart, AConversionThatMakesThePool) {
+  const std::vector<uint8_t> frame(64 * 64, 7);
+  std::vector<uint8_t> picture(frame.size() * 4);
+  ASSERT_EQ(ByrGR8ToBGRA_MP(picture.data(), frame.data(), 64, 64), 0u);
+  Lines conversions;
+  for (const std::string& message : Of("0000", EndOfLog().of_callers)) {
+    if (message.starts_with("Byr")) conversions.push_back(message);
+  }
+  EXPECT_EQ(conversions,
+            (Lines{"ByrGR8ToBGRA_MP              Started.",
+                   "ByrGR8ToBGRA_MP              Finished calculating top and bottom rows. Starts middle row "
+                   "calculation.('Finished' log will not be written.)"}));
 }
 
 TEST_F(Recording, TheLifeOfAPool) {

@@ -307,5 +307,20 @@ TEST(HandOut, ABlockWithoutRowsMakesTheCallTimeOut) {
   }
 }
 
+// A callback that does by hand what MPWorkTakeBlock does.
+TEST_F(Submit, CallbacksMayTakeTheirBlocksThroughTheFields) {
+  SetMPCount(1);
+  static int32_t rows = 0;
+  const auto by_hand = [](MPWork* work) {
+    for (; work->NextBlock >= 0 && work->Status == 0; --work->NextBlock, --work->WorkToDo) {
+      rows += work->BlockList[work->NextBlock];
+      work->CurrentY += work->BlockList[work->NextBlock];
+    }
+    --work->AccessCounter;
+  };
+  EXPECT_EQ(ExecWork1(by_hand, 0, 99, nullptr, 16, 100, 1, 16, nullptr, 1, 16, 0, 7, 0), 0u);
+  EXPECT_EQ(rows, 100);
+}
+
 }  // namespace
 }  // namespace prismo::mp

@@ -181,5 +181,32 @@ TEST_F(Adaptive, ShortFramesTimeOutOnThePool) {
   }
 }
 
+// On two threads the green work of six rows ends in a block without rows, and nothing comes after it: of the
+// middle rows there are the greens and nothing else.
+TEST_F(Adaptive, GreensAloneOnEveryTarget) {
+  constexpr uint32_t kWidth = 150, kHeight = 6, kUntouched = 7;
+  const std::vector<uint8_t> frame(kWidth * kHeight, 100);
+  ASSERT_TRUE(StartPool(2, 100));
+  const ScopedTarget restore;
+  for (const simd::Target target : simd::SupportedTargets()) {
+    simd::SetTarget(target);
+    for (const uint32_t pixel_bytes : {3u, 4u}) {
+      SCOPED_TRACE(testing::Message() << simd::Name(target) << ", " << pixel_bytes << " bytes per pixel");
+      std::vector<uint8_t> image(frame.size() * pixel_bytes, kUntouched);
+      ASSERT_EQ(pixel_bytes == 4 ? ByrRG8ToBGRA_MP_ACPI(image.data(), frame.data(), kWidth, kHeight)
+                                 : ByrRG8ToBGR_MP_ACPI(image.data(), frame.data(), kWidth, kHeight, 0),
+                UTL_STS_TIMEOUT);
+      for (uint32_t y = 2; y < kHeight - 2; ++y) {
+        for (uint32_t x = 2; x < kWidth - 2; ++x) {
+          const uint8_t* const pixel = &image[(y * kWidth + x) * pixel_bytes];
+          ASSERT_EQ(pixel[1], 100) << "green at " << x << ',' << y;
+          ASSERT_EQ(pixel[0], kUntouched) << "blue at " << x << ',' << y;
+          ASSERT_EQ(pixel[2], kUntouched) << "red at " << x << ',' << y;
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace prismo::test

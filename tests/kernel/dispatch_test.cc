@@ -435,6 +435,21 @@ TEST_F(Dispatch, PaddedFormats) {
   }
 }
 
+// Empty frames are no reason to look at the buffers; copies of padded BGR do not care for null at all.
+TEST_F(Dispatch, PaddedFormatsWithoutBuffers) {
+  uint8_t some[64] = {};
+  for (const uint32_t format : {PRISMO_BGR8_PADDED, PRISMO_MONO8_PADDED}) {
+    for (const uint32_t type : {0u, 1u, 2u}) {
+      const uint32_t expected =
+          format == PRISMO_BGR8_PADDED && type != 0 ? UTL_STS_SUCCESS : UTL_STS_INVALID_PARAMETER;
+      EXPECT_EQ(ConvImageEx(type, format, nullptr, some, 2, 2, 0, 0), expected) << format << " to " << type;
+      EXPECT_EQ(ConvImageEx(type, format, some, nullptr, 2, 2, 0, 1), expected) << format << " to " << type;
+      EXPECT_EQ(ConvImageEx(type, format, nullptr, nullptr, 0, 2, 0, 0), UTL_STS_SUCCESS);
+    }
+  }
+  for (const uint8_t byte : some) EXPECT_EQ(byte, 0);
+}
+
 // Formats with routes, all those that the library knows, and codes that it does not know.
 std::vector<uint32_t> RoutedFormats() {
   std::vector<uint32_t> formats{PRISMO_BGR8_PADDED, PRISMO_MONO8_PADDED};

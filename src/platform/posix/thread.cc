@@ -3,6 +3,8 @@
 #include <pthread.h>
 #include <signal.h>
 
+#include <initializer_list>
+
 namespace prismo::platform {
 
 static_assert(sizeof(pthread_t) == sizeof(uintptr_t));
@@ -17,9 +19,12 @@ void* Thread::Enter(void* self) {
 bool Thread::Start(void (*procedure)(void*), void* argument) noexcept {
   procedure_ = procedure;
   argument_ = argument;
-  sigset_t all, before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);  // a new thread inherits the mask
+  // A new thread inherits the mask. What it brings on itself stays with it: an application may handle the
+  // faults of its callbacks.
+  sigset_t others, before;
+  sigfillset(&others);
+  for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT}) sigdelset(&others, own);
+  pthread_sigmask(SIG_SETMASK, &others, &before);
   pthread_t handle;
   started_ = pthread_create(&handle, nullptr, &Thread::Enter, this) == 0;
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
