@@ -86,7 +86,9 @@ HWY_INLINE V8 GreenBlock(const uint8_t* const (&lines)[5], size_t x, uint32_t wi
 }
 
 void Green(const GreenLines& info, const BayerRow& row, uint8_t* greens) {
-  const uint8_t* const lines[5] = {info.raw[0], info.raw[1], info.raw[2], info.raw[3], info.raw[4]};
+  const uint8_t* const lines[5] = {LoadedAlone(info.raw[0]), LoadedAlone(info.raw[1]),
+                                   LoadedAlone(info.raw[2]), LoadedAlone(info.raw[3]),
+                                   LoadedAlone(info.raw[4])};
   const GreenSink sink{greens, 0};
   CoverRow<StoreKind::kCached>(
       lines, 4, row, ColumnRange{2, row.width - 2}, sink,
@@ -147,8 +149,9 @@ void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& targe
   if (kStores == StoreKind::kStreaming && sink.PixelsToAlign(row.columns.begin) == kLanes) {
     return Colour<Sink, StoreKind::kCached>(info, row, target);
   }
-  const uint8_t* const lines[6] = {info.raw[0],    info.raw[1],    info.raw[2],
-                                   info.greens[0], info.greens[1], info.greens[2]};
+  const uint8_t* const lines[6] = {LoadedAlone(info.raw[0]),    LoadedAlone(info.raw[1]),
+                                   LoadedAlone(info.raw[2]),    LoadedAlone(info.greens[0]),
+                                   LoadedAlone(info.greens[1]), LoadedAlone(info.greens[2])};
   CoverRow<kStores>(
       lines, 2, row, info.adaptive, sink,
       [&](const uint8_t* const(&at)[6], size_t x, auto starts_green, V8& row_colour, V8& green,

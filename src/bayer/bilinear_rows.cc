@@ -13,26 +13,27 @@ HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
 namespace {
 
-// Arithmetic on one vector of sites. Averages of 1, 2 or 4 samples truncate and leave the result in the low 8
-// bits.
+// Arithmetic on one vector of sites. Averages of 1, 2 or 4 samples truncate and leave the result in one byte
+// of each lane; two samples make a pair, which an average of 2 or 4 takes.
 
+// The machine's average rounds up, so that a pair also knows where half was added.
 struct Bytes {
   using T = uint8_t;
   using D = D8;
   using V = V8;
+  struct Pair {
+    V average, odd_sum;
+  };
   explicit Bytes(uint32_t) {}
 
   HWY_INLINE V Load(const T* from) const { return hn::LoadU(D(), from); }
+  HWY_INLINE Pair MakePair(V a, V b) const { return {hn::AverageRound(a, b), OddSum(a, b)}; }
   HWY_INLINE V Average1(V v) const { return v; }
-  // The machine's average rounds up.
-  HWY_INLINE V Average2(V a, V b) const { return hn::Sub(hn::AverageRound(a, b), OddSum(a, b)); }
-  // The halves that both truncating averages of pairs have lost make a whole when both pairs are odd: then
-  // rounding up is right.
-  HWY_INLINE V Average4(V a, V b, V c, V d) const {
-    const V ab = Average2(a, b);
-    const V cd = Average2(c, d);
-    const V both_odd = hn::And(OddSum(a, b), OddSum(c, d));
-    return hn::Sub(hn::AverageRound(ab, cd), hn::AndNot(both_odd, OddSum(ab, cd)));
+  HWY_INLINE V Average2(Pair p) const { return hn::Sub(p.average, p.odd_sum); }
+  // At most 3/4 too much over all: one less wherever anything was added.
+  HWY_INLINE V Average4(Pair p, Pair q) const {
+    const V rounded = hn::Or(hn::Or(p.odd_sum, q.odd_sum), OddSum(p.average, q.average));
+    return hn::Sub(hn::AverageRound(p.average, q.average), rounded);
   }
 
  private:
@@ -40,20 +41,23 @@ struct Bytes {
 };
 
 // Words: the sum of four 16-bit samples wraps, but bits shift + 2 to shift + 9 of it are right for shifts up
-// to 6.
+// to 6. A multiplication moves them to the lane's high byte.
 struct Words {
   using T = uint16_t;
   using D = D16;
   using V = V16;
-  int shift;
-  explicit Words(uint32_t s) : shift(static_cast<int>(s % 32)) {}
+  using Pair = V;
+  V factor1, factor2, factor4;
+  explicit Words(uint32_t s)
+      : factor1(hn::Set(D(), static_cast<T>(256u >> s % 32))),
+        factor2(hn::Set(D(), static_cast<T>(128u >> s % 32))),
+        factor4(hn::Set(D(), static_cast<T>(64u >> s % 32))) {}
 
   HWY_INLINE V Load(const T* from) const { return hn::LoadU(D(), from); }
-  HWY_INLINE V Average1(V v) const { return hn::ShiftRightSame(v, shift); }
-  HWY_INLINE V Average2(V a, V b) const { return hn::ShiftRightSame(hn::Add(a, b), shift + 1); }
-  HWY_INLINE V Average4(V a, V b, V c, V d) const {
-    return hn::ShiftRightSame(hn::Add(hn::Add(a, b), hn::Add(c, d)), shift + 2);
-  }
+  HWY_INLINE Pair MakePair(V a, V b) const { return hn::Add(a, b); }
+  HWY_INLINE V Average1(V v) const { return hn::Mul(v, factor1); }
+  HWY_INLINE V Average2(Pair p) const { return hn::Mul(p, factor2); }
+  HWY_INLINE V Average4(Pair p, Pair q) const { return hn::Mul(hn::Add(p, q), factor4); }
 };
 
 // Words with sums of 32 bits. Each shift count is taken modulo 32 by itself.
@@ -61,6 +65,7 @@ struct WideWords {
   using T = uint16_t;
   using D = D32;
   using V = V32;
+  using Pair = V;
   int shift1, shift2, shift4;
   explicit WideWords(uint32_t s)
       : shift1(static_cast<int>(s % 32)),
@@ -68,11 +73,10 @@ struct WideWords {
         shift4(static_cast<int>((s + 2) % 32)) {}
 
   HWY_INLINE V Load(const T* from) const { return hn::PromoteTo(D(), hn::LoadU(hn::Rebind<T, D>(), from)); }
+  HWY_INLINE Pair MakePair(V a, V b) const { return hn::Add(a, b); }
   HWY_INLINE V Average1(V v) const { return hn::ShiftRightSame(v, shift1); }
-  HWY_INLINE V Average2(V a, V b) const { return hn::ShiftRightSame(hn::Add(a, b), shift2); }
-  HWY_INLINE V Average4(V a, V b, V c, V d) const {
-    return hn::ShiftRightSame(hn::Add(hn::Add(a, b), hn::Add(c, d)), shift4);
-  }
+  HWY_INLINE V Average2(Pair p) const { return hn::ShiftRightSame(p, shift2); }
+  HWY_INLINE V Average4(Pair p, Pair q) const { return hn::ShiftRightSame(hn::Add(p, q), shift4); }
 };
 
 // Where a vector of sites touches the frame's border.
@@ -105,20 +109,23 @@ HWY_INLINE void Interpolate(const A& arithmetic, const typename A::T* const (&li
     MirrorAtEdges(border->left_edge, border->right_edge, north_west, north_east);
     MirrorAtEdges(border->left_edge, border->right_edge, south_west, south_east);
   }
-  V horizontal = arithmetic.Average2(west, east);
-  V vertical = arithmetic.Average2(north, south);
-  V cross = arithmetic.Average4(west, east, north, south);
-  V diagonal = arithmetic.Average4(north_west, north_east, south_west, south_east);
+  const auto row_pair = arithmetic.MakePair(west, east);
+  const auto column_pair = arithmetic.MakePair(north, south);
+  V horizontal = arithmetic.Average2(row_pair);
+  V vertical = arithmetic.Average2(column_pair);
+  V cross = arithmetic.Average4(row_pair, column_pair);
+  V diagonal = arithmetic.Average4(arithmetic.MakePair(north_west, north_east),
+                                   arithmetic.MakePair(south_west, south_east));
   if (border) {
     const auto edge = hn::Or(border->left_edge, border->right_edge);
+    const auto two = [&](V a, V b) PRISMO_INLINE { return arithmetic.Average2(arithmetic.MakePair(a, b)); };
     if (border->edge_row) {
-      cross = hn::IfThenElse(edge, arithmetic.Average2(north, west), horizontal);
-      diagonal =
-          hn::IfThenElse(edge, arithmetic.Average1(north_west), arithmetic.Average2(north_west, north_east));
+      cross = hn::IfThenElse(edge, two(north, west), horizontal);
+      diagonal = hn::IfThenElse(edge, arithmetic.Average1(north_west), two(north_west, north_east));
       vertical = arithmetic.Average1(north);
     } else {
       cross = hn::IfThenElse(edge, vertical, cross);
-      diagonal = hn::IfThenElse(edge, arithmetic.Average2(north_west, south_west), diagonal);
+      diagonal = hn::IfThenElse(edge, two(north_west, south_west), diagonal);
     }
     horizontal = hn::IfThenElse(edge, arithmetic.Average1(west), horizontal);
   }
@@ -160,9 +167,9 @@ HWY_INLINE void Block(const A& arithmetic, const BilinearLines& info, const Baye
     V16 r0, g0, o0, r1, g1, o1;
     part(0, r0, g0, o0);
     part(kPart, r1, g1, o1);
-    row_colour = LowBytes(r0, r1);
-    green = LowBytes(g0, g1);
-    other_colour = LowBytes(o0, o1);
+    row_colour = HighBytes(r0, r1);
+    green = HighBytes(g0, g1);
+    other_colour = HighBytes(o0, o1);
 #endif
   } else {
     using D = typename A::D;
@@ -203,8 +210,9 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
   if (kStores == StoreKind::kStreaming && sink.PixelsToAlign(row.columns.begin) == kLanes) {
     return Row<A, Sink, StoreKind::kCached>(info, row, target);
   }
-  const T* const lines[3] = {static_cast<const T*>(info.up), static_cast<const T*>(info.mid),
-                             static_cast<const T*>(info.down)};
+  const T* const lines[3] = {static_cast<const T*>(LoadedAlone(info.up)),
+                             static_cast<const T*>(LoadedAlone(info.mid)),
+                             static_cast<const T*>(LoadedAlone(info.down))};
   // In the top and bottom row every block is one of the border.
   const ColumnRange inner_columns =
       info.edge ? ColumnRange{row.width, row.width} : ColumnRange{1, row.width - 1};

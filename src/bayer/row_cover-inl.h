@@ -30,9 +30,10 @@ class Window {
     const bool readable_after =
         x + kLanes + kReadAfter <= row.width || (row.inside && x + kLanes <= row.width);
     if (readable_before && readable_after) {
-      for (size_t i = 0; i < kLines; ++i) line[i] = lines[i] + x;
+      for (size_t i = 0; i < kLines; ++i) line[i] = LoadedAlone(lines[i]) + x;
       return;
     }
+    std::memset(columns_, 0, sizeof(columns_));
     const size_t before = std::min<size_t>(x, kReadBefore);
     const size_t after = std::min<size_t>(row.width - x, kLanes + kReadAfter);
     for (size_t i = 0; i < kLines; ++i) {
@@ -42,7 +43,7 @@ class Window {
   }
 
  private:
-  T columns_[kLines][kReadBefore + kLanes + kReadAfter] = {};
+  T columns_[kLines][kReadBefore + kLanes + kReadAfter];  // untouched where it is not needed
 };
 
 // Puts the neighbour inside the frame in the place of one outside of it.
@@ -130,7 +131,7 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
   // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
   const auto inner_block = [&](auto starts_green) PRISMO_INLINE {
     const T* at_x[kLines];
-    for (size_t i = 0; i < kLines; ++i) at_x[i] = lines[i] + x;
+    for (size_t i = 0; i < kLines; ++i) at_x[i] = LoadedAlone(lines[i]) + x;
     if constexpr (kStores == StoreKind::kStreaming) {
       const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[newest_line]) + kPrefetchBytes;
       for (size_t byte = 0; byte < kLanes * sizeof(T); byte += kCacheLine) hwy::Prefetch(ahead + byte);

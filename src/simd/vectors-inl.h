@@ -33,23 +33,43 @@ using V16 = hn::Vec<D16>;
 using V32 = hn::Vec<D32>;
 inline constexpr size_t kLanes = HWY_MAX_BYTES == 1 ? 1 : hn::MaxLanes(D8());
 
-// The low bytes of 16-bit lanes, in order. The high bytes are dropped.
+// One byte of each 16-bit lane, in order.
 #if HWY_TARGET == HWY_SCALAR
 inline constexpr size_t kWordVectors = 1;  // vectors of words for one vector of bytes
 #else
 inline constexpr size_t kWordVectors = 2;
-HWY_INLINE V8 LowBytes(V16 low, V16 high) {
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
-  alignas(64) static constexpr uint8_t kEvenBytes[64] = {
-      0,  2,  4,  6,  8,  10, 12,  14,  16,  18,  20,  22,  24,  26,  28,  30,  32,  34,  36,  38, 40, 42,
-      44, 46, 48, 50, 52, 54, 56,  58,  60,  62,  64,  66,  68,  70,  72,  74,  76,  78,  80,  82, 84, 86,
-      88, 90, 92, 94, 96, 98, 100, 102, 104, 106, 108, 110, 112, 114, 116, 118, 120, 122, 124, 126};
-  return V8{_mm512_permutex2var_epi8(low.raw, _mm512_load_si512(kEvenBytes), high.raw)};
+template <uint8_t kFirst>
+HWY_INLINE V8 EverySecondByte(V16 low, V16 high) {
+  alignas(64) static constexpr auto kIndices = [] {
+    struct {
+      uint8_t index[64];
+    } t{};
+    for (uint8_t i = 0; i < 64; ++i) t.index[i] = static_cast<uint8_t>(2 * i + kFirst);
+    return t;
+  }();
+  return V8{_mm512_permutex2var_epi8(low.raw, _mm512_load_si512(kIndices.index), high.raw)};
+}
+HWY_INLINE V8 LowBytes(V16 low, V16 high) { return EverySecondByte<0>(low, high); }
+HWY_INLINE V8 HighBytes(V16 low, V16 high) { return EverySecondByte<1>(low, high); }
 #else
+HWY_INLINE V8 LowBytes(V16 low, V16 high) {
   return hn::ConcatEven(D8(), hn::BitCast(D8(), high), hn::BitCast(D8(), low));
-#endif
+}
+HWY_INLINE V8 HighBytes(V16 low, V16 high) {
+  return hn::ConcatOdd(D8(), hn::BitCast(D8(), high), hn::BitCast(D8(), low));
 }
 #endif
+#endif
+
+// A pointer that is loaded alone. Compilers like to load neighbouring pointers as one vector; where they were
+// stored singly just before, that load waits until every store under way has reached memory, and streaming
+// stores take long.
+template <typename T>
+HWY_INLINE T* LoadedAlone(T* pointer) {
+  asm("" : "+r"(pointer));
+  return pointer;
+}
 
 template <StoreKind kStores, class D, class V, typename T>
 HWY_INLINE void Put(V v, D d, T* to) {
