@@ -33,7 +33,7 @@ struct Messages {
 };
 
 const std::vector<std::pair<std::regex, std::string>> kVarying = {
-    {std::regex("(Callback|m_PCurrentWork):[0-9a-f]{8}"), "$1:@"},
+    {std::regex("(Callback|m_PCurrentWork):[ 0-9a-f]{8}"), "$1:@"},
     {std::regex("ID of CurrentWork:[0-9]+|CurrentWork is none"), "@"},
 };
 
