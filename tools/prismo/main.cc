@@ -12,6 +12,7 @@ namespace {
 int Run(int argc, char** argv) {
   RemoveScratchFilesOnSignals();
   CLI::App app("Raw frames of industrial cameras: describe, convert, compare, make.", "prismo");
+  app.set_version_flag("--version", "prismo " PRISMO_VERSION);
   app.require_subcommand(1);
   AddFormatsCommand(app);
   AddInfoCommand(app);
