@@ -9,7 +9,7 @@ install(TARGETS PrismoUtl EXPORT PrismoUtlTargets
   LIBRARY COMPONENT library NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES src/api/PrismoUtl.h TYPE INCLUDE COMPONENT development)
+install(FILES src/api/PrismoUtl.h src/api/prismoutl.hpp TYPE INCLUDE COMPONENT development)
 
 install(EXPORT PrismoUtlTargets NAMESPACE PrismoUtl:: DESTINATION ${config_folder} COMPONENT development)
 configure_package_config_file(cmake/PrismoUtlConfig.cmake.in generated/PrismoUtlConfig.cmake
