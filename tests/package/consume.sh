@@ -13,7 +13,7 @@ mkdir -p -- "$work"
 cd -- "$work"
 case $way in
   cmake)
-    cmake -S "$here/consumer" -B . >log || { cat log && exit 1; }
+    cmake -G Ninja -S "$here/consumer" -B . >log || { cat log && exit 1; }
     cmake --build . >log || { cat log && exit 1; }
     ./consumer
     [[ -z $prefix ]] || grep -q "^PrismoUtl_DIR:PATH=$prefix" CMakeCache.txt

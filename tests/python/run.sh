@@ -13,11 +13,17 @@ done
 
 rm -rf -- "$work"
 mkdir -p -- "$work"
-"$here/../../python/build_wheel.sh" "$library" "$work/wheel" "$python" >"$work/log" 2>&1 || { cat "$work/log" && exit 1; }
-"$python" -m venv --system-site-packages "$work/environment"
-"$work/environment/bin/python" -m pip -q install --no-index --no-deps "$work"/wheel/prismoutl-*-py3-none-linux_*.whl
-
 cd -- "$work"
+"$here/../../python/build_wheel.sh" "$library" build/release/wheel "$python" >log 2>&1 || { cat log && exit 1; }
+
+# As README.md says, but for the task of ./dev.
+readme() { "$here/../docs/block.sh" "$here/../../README.md" "The library in Python" "$1"; }
+export PATH=${python%/*}:$PATH PIP_NO_INDEX=1
 unset PRISMOUTL_LIBRARY PYTHONPATH
-[[ $("$work/environment/bin/python" -c 'import prismoutl; print(prismoutl.__file__)') == "$work/environment"/* ]]
-"$work/environment/bin/python" -W error -m unittest discover -s "$here" "${@:4}"
+eval "$(readme 1 | grep -v '^\./dev')" >log
+environment=$work/build/environment/bin/python
+[[ $("$environment" -c 'import prismoutl; print(prismoutl.__file__)') == "$work/build/environment"/* ]]
+"$PRISMO_TOOL" demo -o . >log
+readme 2 | "$environment" -W error -
+
+"$environment" -W error -m unittest discover -b -s "$here" "${@:4}"
