@@ -42,7 +42,7 @@ class RecordingFromTheStart : public FreshPool {
   RecordingFromTheStart() {
     const std::string kit = folder_ / "kit/PrismoApi/bin/x64";
     std::filesystem::create_directories(kit);
-    test::WriteText(kit + "/PrismoUtl.cfg", "PrismoUtl: DEBUG 10000 PATH=" + (folder_ / "logs") + "\n");
+    test::WriteText(kit + "/PrismoUtl.cfg", "PrismoUtl: DEBUG Size4, PATH=" + (folder_ / "logs") + "\n");
   }
 
   // Ends the pool and reads its log. Numbers that differ from run to run are replaced by what they are.
