@@ -92,8 +92,8 @@ void Green(const GreenLines& info, const BayerRow& row, uint8_t* greens) {
   const GreenSink sink{greens, 0};
   CoverRow<StoreKind::kCached>(
       lines, 4, row, ColumnRange{2, row.width - 2}, sink,
-      [&](const uint8_t* const(&at)[5], size_t x, auto starts_green, V8&, V8& green, V8&)
-          PRISMO_INLINE { green = GreenBlock<false>(at, x, row.width, starts_green); },
+      [](const uint8_t* const(&at)[5], auto starts_green, V8&, V8& green, V8&)
+          PRISMO_INLINE { green = GreenBlock<false>(at, 0, 0, starts_green); },
       [&](const uint8_t* const(&at)[5], size_t x, auto starts_green, V8&, V8& green, V8&)
           PRISMO_INLINE { green = GreenBlock<true>(at, x, row.width, starts_green); });
 }
@@ -154,10 +154,8 @@ void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& targe
                                    LoadedAlone(info.greens[1]), LoadedAlone(info.greens[2])};
   CoverRow<kStores>(
       lines, 2, row, info.adaptive, sink,
-      [&](const uint8_t* const(&at)[6], size_t x, auto starts_green, V8& row_colour, V8& green,
-          V8& other_colour) PRISMO_INLINE {
-        ColourBlock<false>(at, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);
-      },
+      [](const uint8_t* const(&at)[6], auto starts_green, V8& row_colour, V8& green, V8& other_colour)
+          PRISMO_INLINE { ColourBlock<false>(at, 0, 0, {}, starts_green, row_colour, green, other_colour); },
       [&](const uint8_t* const(&at)[6], size_t x, auto starts_green, V8& row_colour, V8& green,
           V8& other_colour) PRISMO_INLINE {
         ColourBlock<true>(at, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);

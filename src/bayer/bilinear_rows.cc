@@ -26,7 +26,7 @@ struct Bytes {
   };
   explicit Bytes(uint32_t) {}
 
-  HWY_INLINE V Load(const T* from) const { return hn::LoadU(D(), from); }
+  HWY_INLINE V Load(const T* from) const { return LoadedOnce(hn::LoadU(D(), from)); }
   HWY_INLINE Pair MakePair(V a, V b) const { return {hn::AverageRound(a, b), OddSum(a, b)}; }
   HWY_INLINE V Average1(V v) const { return v; }
   HWY_INLINE V Average2(Pair p) const { return hn::Sub(p.average, p.odd_sum); }
@@ -134,31 +134,37 @@ HWY_INLINE void Interpolate(const A& arithmetic, const typename A::T* const (&li
   other_colour = hn::IfThenElse(green_sites, vertical, diagonal);
 }
 
+// A block that touches the frame's border.
+struct BorderBlock {
+  bool edge_row;
+  uint32_t width;
+  size_t x;
+};
+
 // Sites of one vector of A's lanes from lane `lane` of the block on.
-template <class A, bool kBorder>
-HWY_INLINE void InterpolatePart(const A& arithmetic, const BilinearLines& info, const BayerRow& row,
-                                const typename A::T* const (&lines)[3], size_t x, size_t lane,
-                                bool starts_green, typename A::V& row_colour, typename A::V& green,
-                                typename A::V& other_colour) {
+template <class A>
+HWY_INLINE void InterpolatePart(const A& arithmetic, const typename A::T* const (&lines)[3], size_t lane,
+                                bool starts_green, const BorderBlock* border, typename A::V& row_colour,
+                                typename A::V& green, typename A::V& other_colour) {
   using D = typename A::D;
   const auto green_sites = GreenSites(D(), starts_green);
-  if constexpr (kBorder) {
-    const BorderSites<D> border{info.edge, OutsideColumns(D(), x + lane, {1, row.width}),
-                                OutsideColumns(D(), x + lane, {0, row.width - 1})};
-    Interpolate(arithmetic, lines, lane, green_sites, &border, row_colour, green, other_colour);
+  if (border) {
+    const size_t x = border->x + lane;
+    const BorderSites<D> sites{border->edge_row, OutsideColumns(D(), x, {1, border->width}),
+                               OutsideColumns(D(), x, {0, border->width - 1})};
+    Interpolate(arithmetic, lines, lane, green_sites, &sites, row_colour, green, other_colour);
   } else {
     Interpolate<A>(arithmetic, lines, lane, green_sites, nullptr, row_colour, green, other_colour);
   }
 }
 
 // One block, reduced to bytes.
-template <class A, bool kBorder>
-HWY_INLINE void Block(const A& arithmetic, const BilinearLines& info, const BayerRow& row,
-                      const typename A::T* const (&lines)[3], size_t x, bool starts_green, V8& row_colour,
-                      V8& green, V8& other_colour) {
+template <class A>
+HWY_INLINE void Block(const A& arithmetic, const typename A::T* const (&lines)[3], bool starts_green,
+                      const BorderBlock* border, V8& row_colour, V8& green, V8& other_colour) {
   constexpr size_t kPart = hn::MaxLanes(typename A::D());
   const auto part = [&](size_t lane, auto& r, auto& g, auto& o) PRISMO_INLINE {
-    InterpolatePart<A, kBorder>(arithmetic, info, row, lines, x, lane, starts_green, r, g, o);
+    InterpolatePart(arithmetic, lines, lane, starts_green, border, r, g, o);
   };
   if constexpr (sizeof(hn::TFromD<typename A::D>) == 1) {
     part(0, row_colour, green, other_colour);
@@ -218,13 +224,12 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
       info.edge ? ColumnRange{row.width, row.width} : ColumnRange{1, row.width - 1};
   CoverRow<kStores>(
       lines, 2, row, inner_columns, sink,
+      [arithmetic](const T* const(&at)[3], bool starts_green, V8& row_colour, V8& green, V8& other_colour)
+          PRISMO_INLINE { Block(arithmetic, at, starts_green, nullptr, row_colour, green, other_colour); },
       [&](const T* const(&at)[3], size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour)
           PRISMO_INLINE {
-            Block<A, false>(arithmetic, info, row, at, x, starts_green, row_colour, green, other_colour);
-          },
-      [&](const T* const(&at)[3], size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour)
-          PRISMO_INLINE {
-            Block<A, true>(arithmetic, info, row, at, x, starts_green, row_colour, green, other_colour);
+            const BorderBlock block{info.edge, row.width, x};
+            Block(arithmetic, at, starts_green, &block, row_colour, green, other_colour);
           });
 }
 

@@ -82,9 +82,10 @@ inline constexpr size_t kPrefetchBytes = 2048;
 inline constexpr size_t kCacheLine = 64;
 
 // Covers the columns of `row`.
-//   inner(lines at x, x, starts_green, row_colour, green, other_colour)   a block all of whose columns lie in
-//                                                                         `inner_columns`
-//   border(...)                                                           any other block, on a window
+//   inner(lines at x, starts_green, row_colour, green, other_colour)
+//     a block all of whose columns lie in `inner_columns`
+//   border(lines at x, x, starts_green, row_colour, green, other_colour)
+//     any other block, on a window
 // compute one block: the colour of the row's sites that are not green, green, and the colour of the rows
 // between. `newest_line` is the one that no row before has read.
 template <StoreKind kStores, typename T, size_t kLines, class Sink, class Inner, class Border>
@@ -94,11 +95,11 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
   const size_t begin = row.columns.begin;
   const size_t end = row.columns.end;
   const bool blue = row.role.blue;
-  const auto store = [&](size_t x, V8 row_colour, V8 green, V8 other_colour) PRISMO_INLINE {
+  const auto store = [blue](const Sink& to, size_t x, V8 row_colour, V8 green, V8 other) PRISMO_INLINE {
     if (blue) {
-      sink.template Store<kStores>(x, row_colour, green, other_colour);
+      to.template Store<kStores>(x, row_colour, green, other);
     } else {
-      sink.template Store<kStores>(x, other_colour, green, row_colour);
+      to.template Store<kStores>(x, other, green, row_colour);
     }
   };
   // Lanes first .. first + count - 1 of the block at x. Kept out of line: rows have two such blocks.
@@ -107,7 +108,7 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
     const Window<T, kLines> window(lines, x, row);
     border(window.line, x, StartsGreen(row.role, x), row_colour, green, other_colour);
     if (count == kLanes) {
-      store(x, row_colour, green, other_colour);
+      store(sink, x, row_colour, green, other_colour);
     } else {
       sink.StoreSome(x, first, count, blue ? row_colour : other_colour, green,
                      blue ? other_colour : row_colour);
@@ -128,24 +129,30 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
   for (; x < inner_begin && x + kLanes <= end; x += kLanes) whole(x);
   const size_t inner_end =
       std::min<size_t>({inner_columns.end, row.width - std::min<size_t>(row.width, kReadAfter), end});
+  // Copies: `some` takes the addresses of the originals, which keeps those in memory.
+  const Inner colours = inner;
+  const Sink inner_sink = sink;
+  const T* inner_lines[kLines];
+  for (size_t i = 0; i < kLines; ++i) inner_lines[i] = LoadedAlone(lines[i]);
   // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
   const auto inner_block = [&](auto starts_green) PRISMO_INLINE {
     const T* at_x[kLines];
-    for (size_t i = 0; i < kLines; ++i) at_x[i] = LoadedAlone(lines[i]) + x;
+    for (size_t i = 0; i < kLines; ++i) at_x[i] = inner_lines[i] + x;
     if constexpr (kStores == StoreKind::kStreaming) {
       const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[newest_line]) + kPrefetchBytes;
       for (size_t byte = 0; byte < kLanes * sizeof(T); byte += kCacheLine) hwy::Prefetch(ahead + byte);
     }
     V8 row_colour, green, other_colour;
-    inner(at_x, x, starts_green, row_colour, green, other_colour);
-    store(x, row_colour, green, other_colour);
+    colours(at_x, starts_green, row_colour, green, other_colour);
+    store(inner_sink, x, row_colour, green, other_colour);
+    x += kLanes;
   };
   if constexpr (kLanes == 1) {
-    for (; x + kLanes <= inner_end; x += kLanes) inner_block(StartsGreen(row.role, x));
+    while (x + kLanes <= inner_end) inner_block(StartsGreen(row.role, x));
   } else if (StartsGreen(row.role, x)) {
-    for (; x + kLanes <= inner_end; x += kLanes) inner_block(std::true_type());
+    while (x + kLanes <= inner_end) inner_block(std::true_type());
   } else {
-    for (; x + kLanes <= inner_end; x += kLanes) inner_block(std::false_type());
+    while (x + kLanes <= inner_end) inner_block(std::false_type());
   }
   for (; x + kLanes <= end; x += kLanes) whole(x);
   if (x == end) return;

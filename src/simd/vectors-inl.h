@@ -71,6 +71,16 @@ HWY_INLINE T* LoadedAlone(T* pointer) {
   return pointer;
 }
 
+// A loaded vector with several uses. GCC loads it anew for each of them, as if loads across cache lines were
+// free.
+template <class V>
+HWY_INLINE V LoadedOnce(V v) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  asm("" : "+v"(v.raw));
+#endif
+  return v;
+}
+
 template <StoreKind kStores, class D, class V, typename T>
 HWY_INLINE void Put(V v, D d, T* to) {
   if constexpr (kStores == StoreKind::kStreaming) {
