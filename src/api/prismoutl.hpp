@@ -272,11 +272,11 @@ struct Format {
     return std::nullopt;
   }
 
-  constexpr bool IsKnown() const noexcept { return Info() != nullptr; }
-  constexpr std::string_view Name() const noexcept { return Info() ? Info()->name : "unknown"; }
-  constexpr FormatKind Kind() const noexcept { return Info() ? Info()->kind : FormatKind::kMono; }
+  constexpr bool IsKnown() const noexcept { return Depth() != 0; }
+  constexpr std::string_view Name() const noexcept { return Info().name; }
+  constexpr FormatKind Kind() const noexcept { return Info().kind; }
   constexpr bool IsBayer() const noexcept { return Kind() == FormatKind::kBayer; }
-  constexpr unsigned Depth() const noexcept { return Info() ? Info()->depth : 0; }
+  constexpr unsigned Depth() const noexcept { return Info().depth; }
   constexpr unsigned BitsPerPixel() const noexcept { return code >> 16 & 0xFF; }
   constexpr bool HasPaddedRows() const noexcept {
     return code == PRISMO_BGR8_PADDED || code == PRISMO_MONO8_PADDED;
@@ -294,10 +294,10 @@ struct Format {
   }
 
  private:
-  constexpr const detail::FormatInfo* Info() const noexcept {
+  constexpr detail::FormatInfo Info() const noexcept {
     for (const auto& info : detail::kFormats)
-      if (info.code == code) return &info;
-    return nullptr;
+      if (info.code == code) return info;
+    return {code, "unknown", FormatKind::kMono, 0};
   }
 };
 
