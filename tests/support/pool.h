@@ -46,7 +46,7 @@ inline std::vector<int32_t> ThreadCounts() {
 }
 
 // A work that holds an empty block never counts as finished: such calls wait for the whole time-out.
-inline constexpr uint32_t kShortTimeout = 100;
+inline constexpr uint32_t kShortTimeout = 200;
 
 // False when this process runs other tests too: tables that were built stay built.
 inline bool FreshProcess() { return testing::UnitTest::GetInstance()->test_to_run_count() == 1; }
