@@ -81,7 +81,7 @@ TEST_F(CppFiles, Pictures) {
   EXPECT_EQ(ReadFile(folder_ / "padded.bmp").size(), 54u + 48);
   EXPECT_EQ(ReadFile(folder_ / "grey.bmp").size(), 54u + 1024 + 24);
 
-  EXPECT_TRUE(SaveJpeg({Layout::kBgr, 5, 3, pixels}, folder_ / "bgr.jpg"));
+  EXPECT_TRUE(SaveJpeg({Layout::kBgr, 8, 2, pixels}, folder_ / "bgr.jpg"));
   EXPECT_TRUE(SaveJpeg({Layout::kBgra, 5, 3, pixels}, folder_ / "bgra.jpg", 90));
   EXPECT_EQ(SaveJpeg({Layout::kBgr, 5, 3, pixels}, folder_ / "no.jpg", 101), Errc::kQualityOutOfRange);
   EXPECT_EQ(SaveJpeg({Layout::kGrey, 5, 3, pixels}, folder_ / "no.jpg"), Errc::kNoConversion);
@@ -89,7 +89,7 @@ TEST_F(CppFiles, Pictures) {
 
   const std::string nowhere = folder_ / "nowhere/picture";
   for (const Result& result :
-       {SaveBmp({Layout::kBgr, 5, 3, pixels}, nowhere), SaveJpeg({Layout::kBgr, 5, 3, pixels}, nowhere),
+       {SaveBmp({Layout::kBgr, 5, 3, pixels}, nowhere), SaveJpeg({Layout::kBgr, 8, 2, pixels}, nowhere),
         SaveRaw({kBgr8, 5, 3, pixels}, nowhere)}) {
     EXPECT_FALSE(result);
     EXPECT_NE(result.Message().find(nowhere), std::string::npos) << result.Message();

@@ -25,6 +25,12 @@ eval "$(block "The tool" 1)" >>log
 echo "== Installing it"
 eval "$(block "Installing it" 2 | grep -v '^\./dev')" >log
 
+echo "== Examples"
+ln -s "$here/../../examples" examples
+rm frame.bmp
+eval "$(block Examples 1)"
+[[ -s frame.bmp ]]
+
 echo "== The library in a program, and in C++"
 mkdir program
 cd program
