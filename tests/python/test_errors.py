@@ -1,6 +1,9 @@
 """Wrong use raises an exception that names what was wrong and what to do."""
 
+import os
 import re
+import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
@@ -19,6 +22,14 @@ class Errors(unittest.TestCase):
             call(*arguments, **named)
         for word in words:
             self.assertIn(word, str(raised.exception))
+
+    def test_a_missing_library(self):
+        environment = dict(os.environ, PRISMOUTL_LIBRARY="/nowhere/libPrismoUtl.so.1")
+        command = [sys.executable, "-c", "import prismoutl"]
+        tried = subprocess.run(command, env=environment, stderr=subprocess.PIPE, text=True)
+        self.assertEqual(tried.returncode, 1)
+        for word in "ImportError", "/nowhere/libPrismoUtl.so.1", "libprismoutl1", "libturbojpeg0":
+            self.assertIn(word, tried.stderr)
 
     def test_formats(self):
         self.expect(ValueError, ["'BayerRG13'", "BayerRG12"], prismoutl.convert, FRAME, "BayerRG13")
