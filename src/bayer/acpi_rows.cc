@@ -21,18 +21,20 @@ using VSite = hn::Vec<DSite>;
 
 #if HWY_TARGET == HWY_SCALAR
 HWY_INLINE size_t FirstSite(bool) { return 0; }
-HWY_INLINE VSite Sites(const uint8_t* from) {
-  return hn::BitCast(DSite(), hn::PromoteTo(D16(), hn::LoadU(D8(), from)));
+HWY_INLINE VSite Sites(const uint8_t* line, ptrdiff_t first) {
+  return hn::BitCast(DSite(), hn::PromoteTo(D16(), hn::LoadU(D8(), line + first)));
 }
 HWY_INLINE V8 SiteBytes(VSite v, size_t) { return hn::TruncateTo(D8(), hn::BitCast(D16(), v)); }
 #else
 HWY_INLINE size_t FirstSite(bool odd) { return odd ? 1 : 0; }
-HWY_INLINE VSite Sites(const uint8_t* from) {
-  return hn::And(hn::BitCast(DSite(), hn::LoadU(D8(), from)), hn::Set(DSite(), 0xFF));
+// Even and odd sites come from the same load, which is one across cache lines only where it must be.
+HWY_INLINE VSite Sites(const uint8_t* line, ptrdiff_t first) {
+  const auto two = hn::BitCast(D16(), hn::LoadU(D8(), line + (first & ~ptrdiff_t{1})));
+  return hn::BitCast(DSite(), first & 1 ? hn::ShiftRight<8>(two) : hn::And(two, hn::Set(D16(), 0xFF)));
 }
 // Values of 0 to 255 as the even or the odd bytes of a block, zeros between them.
 HWY_INLINE V8 SiteBytes(VSite v, size_t first) {
-  return hn::BitCast(D8(), hn::ShiftLeftSame(v, static_cast<int>(8 * first)));
+  return hn::BitCast(D8(), first == 0 ? v : hn::ShiftLeft<8>(v));
 }
 #endif
 
@@ -67,12 +69,13 @@ HWY_INLINE VSite AtGreen(VSite green, VSite a, VSite b, VSite a_green, VSite b_g
 template <bool kBorder>
 HWY_INLINE V8 GreenBlock(const uint8_t* const (&lines)[5], size_t x, uint32_t width, auto starts_green) {
   const size_t first = FirstSite(starts_green);
-  const uint8_t* const mid = lines[2] + first;
-  const VSite own = Sites(mid);
-  const VSite north = Sites(lines[1] + first), south = Sites(lines[3] + first);
-  const VSite west = Sites(mid - 1), east = Sites(mid + 1);
-  const VSite vertical = Laplacian(own, Sites(lines[0] + first), Sites(lines[4] + first));
-  const VSite horizontal = Laplacian(own, Sites(mid - 2), Sites(mid + 2));
+  const auto site = [&](size_t line, ptrdiff_t dx)
+                        PRISMO_INLINE { return Sites(lines[line], static_cast<ptrdiff_t>(first) + dx); };
+  const VSite own = site(2, 0);
+  const VSite north = site(1, 0), south = site(3, 0);
+  const VSite west = site(2, -1), east = site(2, 1);
+  const VSite vertical = Laplacian(own, site(0, 0), site(4, 0));
+  const VSite horizontal = Laplacian(own, site(2, -2), site(2, 2));
   V8 green = SiteBytes(Adaptive(north, south, vertical, west, east, horizontal), first);
   if constexpr (kBorder) {
     const VSite along = hn::Add(north, south);
@@ -90,8 +93,8 @@ void Green(const GreenLines& info, const BayerRow& row, uint8_t* greens) {
                                    LoadedAlone(info.raw[2]), LoadedAlone(info.raw[3]),
                                    LoadedAlone(info.raw[4])};
   const GreenSink sink{greens, 0};
-  CoverRow<StoreKind::kCached>(
-      lines, 4, row, ColumnRange{2, row.width - 2}, sink,
+  CoverRow<StoreKind::kCached, 4>(
+      lines, row, ColumnRange{2, row.width - 2}, sink,
       [](const uint8_t* const(&at)[5], auto starts_green, V8&, V8& green, V8&)
           PRISMO_INLINE { green = GreenBlock<false>(at, 0, 0, starts_green); },
       [&](const uint8_t* const(&at)[5], size_t x, auto starts_green, V8&, V8& green, V8&)
@@ -105,7 +108,7 @@ HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, uint32_t
   const size_t at_green = FirstSite(!starts_green);
   const size_t at_other = FirstSite(starts_green);
   const auto site = [&](size_t line, size_t first, ptrdiff_t dx)
-                        PRISMO_INLINE { return Sites(lines[line] + static_cast<ptrdiff_t>(first) + dx); };
+                        PRISMO_INLINE { return Sites(lines[line], static_cast<ptrdiff_t>(first) + dx); };
   const VSite north = site(0, at_green, 0), south = site(2, at_green, 0);
   const VSite west = site(1, at_green, -1), east = site(1, at_green, 1);
   const VSite own_green = site(1, at_green, 0);
@@ -152,8 +155,8 @@ void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& targe
   const uint8_t* const lines[6] = {LoadedAlone(info.raw[0]),    LoadedAlone(info.raw[1]),
                                    LoadedAlone(info.raw[2]),    LoadedAlone(info.greens[0]),
                                    LoadedAlone(info.greens[1]), LoadedAlone(info.greens[2])};
-  CoverRow<kStores>(
-      lines, 2, row, info.adaptive, sink,
+  CoverRow<kStores, 6>(
+      lines, row, info.adaptive, sink,
       [](const uint8_t* const(&at)[6], auto starts_green, V8& row_colour, V8& green, V8& other_colour)
           PRISMO_INLINE { ColourBlock<false>(at, 0, 0, {}, starts_green, row_colour, green, other_colour); },
       [&](const uint8_t* const(&at)[6], size_t x, auto starts_green, V8& row_colour, V8& green,

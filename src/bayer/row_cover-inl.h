@@ -87,11 +87,10 @@ inline constexpr size_t kCacheLine = 64;
 //   border(lines at x, x, starts_green, row_colour, green, other_colour)
 //     any other block, on a window
 // compute one block: the colour of the row's sites that are not green, green, and the colour of the rows
-// between. `newest_line` is the one that no row before has read.
-template <StoreKind kStores, typename T, size_t kLines, class Sink, class Inner, class Border>
-HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, const BayerRow& row,
-                         ColumnRange inner_columns, const Sink& sink, const Inner& inner,
-                         const Border& border) {
+// between. Line kAhead, the one that no row before has read, is read ahead; kLines for none.
+template <StoreKind kStores, size_t kAhead, typename T, size_t kLines, class Sink, class Inner, class Border>
+HWY_INLINE void CoverRow(const T* const (&lines)[kLines], const BayerRow& row, ColumnRange inner_columns,
+                         const Sink& sink, const Inner& inner, const Border& border) {
   const size_t begin = row.columns.begin;
   const size_t end = row.columns.end;
   const bool blue = row.role.blue;
@@ -138,8 +137,8 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], size_t newest_line, co
   const auto inner_block = [&](auto starts_green) PRISMO_INLINE {
     const T* at_x[kLines];
     for (size_t i = 0; i < kLines; ++i) at_x[i] = inner_lines[i] + x;
-    if constexpr (kStores == StoreKind::kStreaming) {
-      const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[newest_line]) + kPrefetchBytes;
+    if constexpr (kAhead < kLines) {
+      const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[kAhead]) + kPrefetchBytes;
       for (size_t byte = 0; byte < kLanes * sizeof(T); byte += kCacheLine) hwy::Prefetch(ahead + byte);
     }
     V8 row_colour, green, other_colour;
