@@ -44,7 +44,9 @@ struct Scratch {
   HWY_ALIGN uint8_t bytes[Sink::kPixelBytes * kPixels];
 
   Sink sink() { return {bytes}; }
-  void CopyTo(const Sink& to, size_t pixels) const { std::memcpy(to.dst, bytes, Sink::kPixelBytes * pixels); }
+  void CopyTo(const Sink& to, size_t first, size_t pixels) const {
+    CopyStored(to.dst, bytes + Sink::kPixelBytes * first, Sink::kPixelBytes * pixels);
+  }
 };
 
 template <size_t kPixels>
@@ -52,8 +54,8 @@ struct Scratch<PlanarSink, kPixels> {
   HWY_ALIGN uint8_t bytes[3][kPixels];
 
   PlanarSink sink() { return {{bytes[0], bytes[1], bytes[2]}}; }
-  void CopyTo(const PlanarSink& to, size_t pixels) const {
-    for (size_t i = 0; i < 3; ++i) std::memcpy(to.plane[i], bytes[i], pixels);
+  void CopyTo(const PlanarSink& to, size_t first, size_t pixels) const {
+    for (size_t i = 0; i < 3; ++i) CopyStored(to.plane[i], bytes[i] + first, pixels);
   }
 };
 
@@ -126,11 +128,19 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
       ThisBlock::template Convert<StoreKind::kCached>(source, src + Source::kGroup.Bytes(x), At(sink, x));
     }
     if (x == end) return;
-    HWY_ALIGN uint8_t in[Source::kGroup.Bytes(Source::kBlockPixels)] = {};
-    Scratch<Sink, Source::kBlockPixels> out;
-    std::memcpy(in, src + Source::kGroup.Bytes(x), Source::kGroup.Bytes(end - x));
-    ThisBlock::template Convert<StoreKind::kCached>(source, in, out.sink());
-    out.CopyTo(At(sink, x), end - x);
+    constexpr size_t kBlock = Source::kBlockPixels;
+    Scratch<Sink, kBlock> out;
+    if (pixels >= kBlock) {  // part of a whole one
+      const size_t block = std::min(x, pixels - kBlock);
+      ThisBlock::template Convert<StoreKind::kCached>(source, src + Source::kGroup.Bytes(block), out.sink());
+      out.CopyTo(At(sink, x), x - block, end - x);
+    } else {
+      HWY_ALIGN uint8_t in[Source::kGroup.Bytes(kBlock)] = {};
+      const size_t rest = std::min(end - x, kBlock);
+      std::memcpy(in, src + Source::kGroup.Bytes(x), Source::kGroup.Bytes(rest));
+      ThisBlock::template Convert<StoreKind::kCached>(source, in, out.sink());
+      out.CopyTo(At(sink, x), 0, rest);
+    }
   };
 
   if constexpr (kStores == StoreKind::kCached) {

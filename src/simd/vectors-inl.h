@@ -71,6 +71,22 @@ HWY_INLINE T* LoadedAlone(T* pointer) {
   return pointer;
 }
 
+// Copies a part of what vectors were just stored to, in pieces that never cross from one vector to the next:
+// such a load, too, waits until every store under way has reached memory.
+HWY_INLINE void CopyStored(uint8_t* to, const uint8_t* from, size_t bytes) {
+  const auto copy = [&](auto piece) HWY_ATTR {
+    std::memcpy(&piece, from, sizeof(piece));
+    asm("" : "+r"(piece));  // or the compiler finds a memcpy in the loops
+    std::memcpy(to, &piece, sizeof(piece));
+    to += sizeof(piece);
+    from += sizeof(piece);
+    bytes -= sizeof(piece);
+  };
+  while (bytes > 0 && reinterpret_cast<uintptr_t>(from) % 8 != 0) copy(uint8_t{});
+  while (bytes >= 8) copy(uint64_t{});
+  while (bytes > 0) copy(uint8_t{});
+}
+
 // A loaded vector with several uses. GCC loads it anew for each of them, as if loads across cache lines were
 // free.
 template <class V>
