@@ -841,7 +841,12 @@ PRISMO_API uint32_t ConvBayerRectEx_ACPI(uint32_t outputKind, uint32_t pixelForm
  * Mirrors a frame left-right (horizontal non-zero), top-bottom (vertical non-zero) or both, in its own
  * format. UTL_STS_FAILURE for a format without a mirror. YUV 4:1:1 needs a width that is a multiple of 4, YUV
  * 4:2:2 an even one. A mirrored Bayer frame has another phase. ReverseImg uses the pool in processing mode 1
- * when horizontal is set. RvrsImg_MP returns 0 whatever the pool reports.
+ * when horizontal is set.
+ *
+ * RvrsImg_MP, and ReverseImg when it uses the pool, return 0 whatever the pool reports. So a time-out does
+ * not show: the mirror is incomplete, and workers may still be WRITING TO THE DESTINATION as after a call
+ * that returns UTL_STS_TIMEOUT (see the top of this file). A mirror of fewer rows than there are worker
+ * threads, a height of 0 included, always waits for the whole time-out there; RvrsImg_SP does not.
  */
 PRISMO_API uint32_t ReverseImg(void* dst, const void* src, uint32_t pixelFormat, uint32_t width,
                                uint32_t height, uint8_t horizontal, uint8_t vertical) PRISMO_NOEXCEPT;
@@ -883,8 +888,11 @@ PRISMO_API uint32_t SaveBmpMonoStrm(const void* image, uint32_t width, uint32_t 
  * SaveJpegRQ camera frames of any supported format. Quality 0 to 100; the forms without it use the encoder's
  * default.
  *
- * UTL_STS_INVALID_PARAMETER: null pointer, empty frame, unsupported format, quality out of range.
- * UTL_STS_FILE_NOT_FOUND: no such folder. UTL_STS_FAILURE: any other failure of the encoder.
+ * UTL_STS_INVALID_PARAMETER: null pointer, empty frame, unsupported format, quality out of range, a Bayer
+ * frame of odd width or height. UTL_STS_TIMEOUT: SaveJpegRaw and SaveJpegRQ convert the frame on the pool in
+ * the processing modes in which the converter of its format does; there is no file then.
+ * UTL_STS_FILE_NOT_FOUND: no such folder. UTL_STS_FAILURE: any other failure of the encoder, for example a
+ * side that is too long for it (beyond 65500 pixels with TurboJPEG).
  */
 PRISMO_API uint32_t SaveJpeg(const void* image, uint32_t layout, uint32_t width, uint32_t height,
                              const char* path) PRISMO_NOEXCEPT;
@@ -898,8 +906,10 @@ PRISMO_API uint32_t SaveJpegRQ(const void* image, uint32_t pixelFormat, uint32_t
 /**
  * Raw frame files: a header of four little-endian 32-bit words (pixel format, width, height, bytes per row)
  * and the frame as it is. A row is (bits per pixel x width) >> 3 bytes, rounded up to a multiple of 4 for the
- * two padded formats. UTL_STS_INVALID_PARAMETER: null image, empty frame, or a row of 0 bytes (the file is
- * left empty then).
+ * two padded formats.
+ *
+ * UTL_STS_INVALID_PARAMETER: null image, empty frame, or a row of 0 bytes (the file is left empty then).
+ * UTL_STS_FILE_OPEN_ERROR: null path, no such folder, or no permission. A disk that fills up is not noticed.
  */
 PRISMO_API uint32_t SaveRWH(const void* image, uint32_t pixelFormat, uint32_t width, uint32_t height,
                             const char* path) PRISMO_NOEXCEPT;
@@ -907,8 +917,12 @@ PRISMO_API uint32_t SaveRWH(const void* image, uint32_t pixelFormat, uint32_t wi
 /**
  * Loads a raw frame file. The four outputs may each be null. When *buffer is null, memory of rowSize x height
  * bytes is allocated for the frame: the caller owns it and releases it with FreeRWH. Otherwise the frame is
- * read to where *buffer points. A file that is shorter than its header says is not noticed: the bytes that it
- * lacks are left as they were. UTL_STS_FILE_READ_ERROR: no memory, or reading failed.
+ * read to where *buffer points. A file that is shorter than its header says is not noticed, nor is reading
+ * that fails: bytes of the frame that could not be had are left as they were, those of the header count as 0.
+ *
+ * UTL_STS_FILE_OPEN_ERROR: null path, no such file, or no permission. UTL_STS_INVALID_PARAMETER: null buffer;
+ * the four outputs are filled all the same. UTL_STS_FILE_READ_ERROR: *buffer is null, and there is no memory
+ * or the frame has 0 bytes.
  */
 PRISMO_API uint32_t LoadRWH(const char* path, uint8_t** buffer, uint32_t* pixelFormat, uint32_t* width,
                             uint32_t* height, uint32_t* rowSize) PRISMO_NOEXCEPT;

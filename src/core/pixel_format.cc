@@ -47,6 +47,7 @@ struct Coding {
   PixelFormat format;
 };
 
+// clang-format off
 // For colour formats the bit count is the effective bits of all three channels.
 constexpr Coding kCodings[] = {
     {0, 8, kMono8},         {0, 10, kMono10},       {0, 12, kMono12},       {0, 16, kMono16},
@@ -57,6 +58,7 @@ constexpr Coding kCodings[] = {
     {99, 12, kBayerRG12},   {102, 8, kBayerGB8},    {102, 10, kBayerGB10},  {102, 12, kBayerGB12},
     {105, 8, kBayerBG8},    {105, 10, kBayerBG10},  {105, 12, kBayerBG12},
 };
+// clang-format on
 
 }  // namespace
 

@@ -18,7 +18,7 @@
 namespace prismo::platform {
 namespace {
 
-constexpr uint32_t kMaxSide = 65535;  // what the header of a JPEG file can hold
+constexpr uint32_t kMaxSide = 65500;  // the encoder's own limit, a little less than what a JPEG file can hold
 
 // GDI+ takes 75 where no quality is given, and halves the chroma planes both ways at every quality. Files of
 // both platforms look alike.
