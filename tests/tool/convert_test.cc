@@ -217,8 +217,10 @@ TEST_F(ConvertTest, SizesThatAFormatCannotHave) {
 }
 
 TEST_F(ConvertTest, JpegSidesHaveALimit) {
-  MakeFrame("f", PRISMO_MONO8, 65536, 1);
-  ExpectFailure("convert f.rwh -o x.jpg", {"x.jpg", "65535", "65536x1"});
+  MakeFrame("f", PRISMO_MONO8, 65501, 1);
+  ExpectFailure("convert f.rwh -o x.jpg", {"prismo: x.jpg: ", "at most 65500 pixels a side", "65501x1"});
+  MakeFrame("f", PRISMO_MONO8, 1, 65500);
+  RunWell("convert f.rwh -o x.jpg");
 }
 
 }  // namespace

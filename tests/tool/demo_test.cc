@@ -50,5 +50,26 @@ TEST_F(DemoTest, AFrameOfTheUser) {
   ExpectFailure("demo none.raw --size 2x2 --format Mono8 -o out", {"none.raw", "no such file"});
 }
 
+TEST_F(DemoTest, TheFrameOfTheUserStays) {
+  RunWell("demo -o out");
+  const Bytes frame = Content("out/frame.rwh");
+  RunWell("demo out/frame.rwh -o out");
+  EXPECT_EQ(Content("out/frame.rwh"), frame);
+  for (const char* name : {"mosaic.png", "bilinear.bmp"}) {
+    fs::create_directory(Path("other"));
+    WriteFile(Path(std::string("other/") + name), frame);
+    ExpectFailure(std::string("demo other/") + name + " -o other", {name, "is an input"});
+    EXPECT_EQ(Content(std::string("other/") + name), frame);
+    EXPECT_EQ(std::distance(fs::directory_iterator(Path("other")), fs::directory_iterator()), 1);
+    fs::remove_all(Path("other"));
+  }
+}
+
+TEST_F(DemoTest, WhatDescribesAFileNeedsOne) {
+  for (const std::string option : {"--size", "--format", "--black"}) {
+    ExpectWrongUsage("demo " + option + "=8", {option, "FILE"});
+  }
+}
+
 }  // namespace
 }  // namespace prismo::test

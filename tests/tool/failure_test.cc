@@ -97,8 +97,9 @@ TEST_F(FailureTest, OutputsThatCannotBeWritten) {
   MakeFrame("f", PRISMO_BAYER_RG8, 64, 64);
   ExpectFailure("convert f.rwh -o none/x.bmp", {"none/x.bmp", "no folder"});
   ExpectFailure("convert f.rwh -o f.rwh/x.bmp", {"no folder"});
-  ExpectFailure("convert f.rwh -o ./f.rwh", {"is the input itself"});
-  ExpectFailure("convert f.rwh -o /proc/x.bmp", {"/proc", "cannot be written"});
+  ExpectFailure("convert f.rwh -o /proc/x.bmp", {"prismo: /proc/x.bmp: ", "/proc cannot be written to"});
+  ExpectFailure("convert f.rwh -o f.rwh/", {"f.rwh/: is not a folder"});
+  ExpectFailure("convert f.rwh -o f.rwh/deeper/", {"f.rwh/deeper/", "Not a directory"});
   for (const char* kind : {"bmp", "png", "jpg", "bgra", "rwh", "raw"}) {
     ExpectFailure(std::string("convert f.rwh -o /dev/full --as ") + kind, {"/dev/full", "No space left"},
                   "TMPDIR=. ");
@@ -112,7 +113,8 @@ TEST_F(FailureTest, FullDiskLeavesNothing) {
     ExpectFailure(std::string("convert f.rwh -o x.") + kind + " --quality 100", {std::string("x.") + kind},
                   "ulimit -f 2; ");
   }
-  ExpectFailure("convert f.rwh -o x.grey --planes", {"x_blue.grey", "1024 of 16384"}, "ulimit -f 2; ");
+  ExpectFailure("convert f.rwh -o x.grey --planes", {"prismo: x_blue.grey: only 1024 of 16384"},
+                "ulimit -f 2; ");
   ExpectFailure("mirror f.rwh --vertical -o x.rwh", {"x.rwh", "1024 of 16400"}, "ulimit -f 2; ");
 }
 
@@ -121,6 +123,10 @@ TEST_F(FailureTest, FailureKeepsTheFileThatWasThere) {
   WriteText(Path("x.bmp"), "precious");
   ExpectFailure("convert f.rwh -o x.bmp", {"x.bmp"}, "ulimit -f 2; ");
   EXPECT_EQ(ReadText(Path("x.bmp")), "precious");
+  fs::create_directory(Path("d"));
+  WriteText(Path("d/x.grey"), "precious");
+  ExpectFailure("convert f.rwh -o d/x.grey --demosaic none", {"prismo: d/x.grey: only 1024 of 16384"},
+                "ulimit -f 2; ");
   RunWell("convert f.rwh -o x.bmp");
   EXPECT_EQ(Content("x.bmp").size(), 54u + 3 * 128 * 128);
 }

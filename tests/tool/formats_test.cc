@@ -55,10 +55,30 @@ TEST_F(FormatsTest, HelpSucceeds) {
   }
 }
 
+TEST_F(FormatsTest, ItSaysWhichVersionItIs) {
+  EXPECT_TRUE(RunWell("--version").starts_with("prismo 1.")) << RunWell("--version");
+}
+
+TEST_F(FormatsTest, WrongUsageIsNamed) {
+  ExpectWrongUsage("nonsense", {"not expected: nonsense", "prismo --help"});
+  ExpectWrongUsage("nonsense info f.rwh", {"nonsense"});
+  ExpectWrongUsage("--nonsense", {"--nonsense"});
+  ExpectWrongUsage("", {"command", "prismo --help"});
+  ExpectWrongUsage("info ''", {"FILE", "empty"});
+  ExpectWrongUsage("convert '' -o x.bmp", {"INPUT", "empty"});
+  ExpectWrongUsage("convert a.rwh -o ''", {"--output", "empty"});
+  ExpectWrongUsage("compare a.bmp ''", {"B", "empty"});
+  for (const char* option : {"--gain", "--size", "--format", "--threads", "--rect", "--demosaic", "--as"}) {
+    ExpectWrongUsage(std::string("convert a.rwh -o x.bmp ") + option + " ''", {option, "empty"});
+  }
+}
+
 TEST_F(FormatsTest, WrongUsageExitsWith2) {
   for (const char* arguments :
        {"", "nonsense", "info", "convert a.rwh", "formats --nonsense", "convert a -o b --gamma x",
-        "convert a -o b --quality 101", "convert a -o b --black -1"}) {
+        "convert a -o b --quality 101", "convert a -o b --black -1", "convert a -o b --gamma nan",
+        "convert a -o b --gamma inf", "convert a -o b --gamma 0", "demo --gamma nan", "demo --gamma -nan",
+        "--nonsense", "convert nonsense formats"}) {
     const Outcome outcome = Run(arguments);
     EXPECT_EQ(outcome.exit_code, 2) << arguments;
     EXPECT_TRUE(outcome.err.starts_with("prismo: ")) << outcome.err;

@@ -44,5 +44,22 @@ TEST_F(LogTest, WhatIsNoLog) {
   ExpectFailure("log l.pxu -o none/l.txt", {"no folder"});
 }
 
+TEST_F(LogTest, TheLogItselfIsNotReplaced) {
+  WriteLog(1);
+  const Bytes log = Content("l.pxu");
+  ExpectFailure("log l.pxu -o ./l.pxu", {"./l.pxu: is an input"});
+  EXPECT_EQ(Content("l.pxu"), log);
+}
+
+TEST_F(LogTest, TextThatCannotBeWritten) {
+  WriteLog(1000);
+  Bytes log = Content("l.pxu");
+  const Bytes record(log.end() - 64, log.end());
+  for (int i = 1; i < 1000; ++i) log.insert(log.end(), record.begin(), record.end());
+  WriteFile(Path("l.pxu"), log);
+  ExpectFailure("log l.pxu -o x.txt", {"prismo: x.txt: ", "is the disk full?"}, "ulimit -f 2; ");
+  ExpectFailure("log l.pxu >/dev/full", {"standard output", "No space left"});
+}
+
 }  // namespace
 }  // namespace prismo::test

@@ -30,9 +30,18 @@ std::string ToolTest::RunWell(const std::string& arguments) {
 
 void ToolTest::ExpectFailure(const std::string& arguments, const std::vector<std::string>& words,
                              const std::string& prefix) {
+  ExpectComplaint(1, arguments, words, prefix);
+}
+
+void ToolTest::ExpectWrongUsage(const std::string& arguments, const std::vector<std::string>& words) {
+  ExpectComplaint(2, arguments, words, "");
+}
+
+void ToolTest::ExpectComplaint(int exit_code, const std::string& arguments,
+                               const std::vector<std::string>& words, const std::string& prefix) {
   const auto before = Files();
   const Outcome outcome = Run(arguments, prefix);
-  EXPECT_EQ(outcome.exit_code, 1) << arguments;
+  EXPECT_EQ(outcome.exit_code, exit_code) << arguments;
   EXPECT_EQ(outcome.out, "") << arguments;
   EXPECT_TRUE(outcome.err.starts_with("prismo: ")) << arguments << '\n' << outcome.err;
   EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << arguments << '\n' << outcome.err;

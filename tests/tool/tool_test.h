@@ -36,6 +36,9 @@ class ToolTest : public testing::Test {
   void ExpectFailure(const std::string& arguments, const std::vector<std::string>& words,
                      const std::string& prefix = "");
 
+  // The same of a command line that is wrong in itself: exit code 2.
+  void ExpectWrongUsage(const std::string& arguments, const std::vector<std::string>& words);
+
   // Names of the files in the folder, hidden ones included.
   std::vector<std::string> Files() const;
 
@@ -48,6 +51,8 @@ class ToolTest : public testing::Test {
   TempFolder folder;
 
  private:
+  void ExpectComplaint(int exit_code, const std::string& arguments, const std::vector<std::string>& words,
+                       const std::string& prefix);
   void SetUp() override { RecordProperty("seed", std::to_string(Seed())); }
 
   Random random_{Seed()};

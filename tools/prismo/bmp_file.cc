@@ -31,7 +31,7 @@ bool IsGreyRamp(const std::vector<unsigned char>& palette) {
 Picture ReadBmp(const std::filesystem::path& path) {
   const uint64_t length = LengthOfFile(path);
   const auto require = [&](bool holds, const char* complaint) {
-    if (!holds) throw Error(path.string(), ": ", complaint);
+    if (!holds) throw FileError(path, complaint);
   };
   std::ifstream file(path, std::ios::binary);
   std::array<unsigned char, kHeaderBytes> header{};
@@ -56,8 +56,8 @@ Picture ReadBmp(const std::filesystem::path& path) {
   require(uint64_t(width) * height <= kMaxPixels, "the picture is too large");
   const uint64_t row_bytes = (uint64_t(width) * bits / 8 + 3) / 4 * 4;
   if (length < offset + row_bytes * height) {
-    throw Error(path.string(), ": a BMP of ", width, "x", height, " at ", bits, " bits takes ",
-                offset + row_bytes * height, " bytes, but the file has ", length);
+    throw FileError(path, "a BMP of ", width, "x", height, " at ", bits, " bits takes ",
+                    offset + row_bytes * height, " bytes, but the file has ", length);
   }
 
   std::vector<unsigned char> palette;

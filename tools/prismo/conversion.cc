@@ -40,17 +40,6 @@ std::string Operation(const Frame& frame) {
   return Text("converting ", frame.format->name, " ", frame.width, "x", frame.height);
 }
 
-void CheckConvertible(const Frame& frame) {
-  const Format& format = *frame.format;
-  if (format.code == PRISMO_BGRA10) throw Error("there is no conversion of BGRA10 frames");
-  const uint32_t width_unit = WidthUnit(format), height_unit = HeightUnit(format);
-  if (frame.width % width_unit || frame.height % height_unit) {
-    throw Error(format.name, " frames have a width that is a multiple of ", width_unit,
-                height_unit > 1 ? Text(" and a height that is a multiple of ", height_unit) : "",
-                "; this one is ", frame.width, "x", frame.height);
-  }
-}
-
 void CheckRectangle(const Frame& frame, const Rectangle& r) {
   const bool inside = r.left >= 2 && r.top >= 2 && uint64_t{r.left} + r.width + 2 <= frame.width &&
                       uint64_t{r.top} + r.height + 2 <= frame.height;
@@ -157,6 +146,17 @@ std::string ThreadChoice::Description(uint32_t height) const {
 bool IsGrey(const Frame& frame, const Conversion& conversion) {
   return frame.format->kind == FormatClass::kMono ||
          (frame.format->kind == FormatClass::kBayer && DemosaicOf(conversion) == Demosaic::kNone);
+}
+
+void CheckConvertible(const Frame& frame) {
+  const Format& format = *frame.format;
+  if (format.code == PRISMO_BGRA10) throw Error("there is no conversion of BGRA10 frames");
+  const uint32_t width_unit = WidthUnit(format), height_unit = HeightUnit(format);
+  if (frame.width % width_unit || frame.height % height_unit) {
+    throw Error(format.name, " frames have a width that is a multiple of ", width_unit,
+                height_unit > 1 ? Text(" and a height that is a multiple of ", height_unit) : "",
+                "; this one is ", frame.width, "x", frame.height);
+  }
 }
 
 Frame BayerFrameOf8Bits(const Frame& frame) {

@@ -46,6 +46,9 @@ struct Conversion {
   ThreadChoice threads = ThreadChoice::Caller();
 };
 
+// Throws for a frame that the library cannot convert.
+void CheckConvertible(const Frame& frame);
+
 // The two steps of Convert, for those who measure: a picture of the right size, and the library's work.
 Picture PictureFor(const Frame& frame, const Conversion& conversion, uint32_t channels);
 void ConvertInto(Picture& picture, const Frame& frame, const Conversion& conversion);

@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
+#include <deque>
 #include <iomanip>
 #include <memory>
 
@@ -44,7 +45,7 @@ uint32_t ChannelsFor(FileKind kind, const Frame& frame, const Conversion& conver
     case FileKind::kBgra:
       return 4;
     case FileKind::kGrey:
-      if (!grey) throw Error(output.string(), ": a ", frame.format->name, " frame is not grey");
+      if (!grey) throw FileError(output, "a ", frame.format->name, " frame is not grey");
       return 1;
     default:
       return grey ? 1 : 3;
@@ -84,8 +85,8 @@ class Converter {
  private:
   std::string StoreFrame(const Frame& frame, const fs::path& output, FileKind kind) const {
     if (conversion_.demosaic || conversion_.rectangle || planes_ || development_.gamma != 1) {
-      throw Error(output.string(),
-                  ": holds the frame itself; --demosaic, --rect, --planes and --gamma make pictures");
+      throw FileError(output,
+                      "holds the frame itself; --demosaic, --rect, --planes and --gamma make pictures");
     }
     WriteFrame(frame, kind, output);
     return Text(output.string(), ": ", frame.format->name, " ", frame.width, "x", frame.height);
@@ -98,7 +99,9 @@ class Converter {
     ConvertInto(picture, frame, conversion_);
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
     ApplyGamma(picture, development_.gamma);
-    WritePicture(picture, kind, quality_, output);
+    OutputFile file(output);
+    WritePicture(picture, kind, quality_, file);
+    file.Commit();
     return Text(output.string(), ": ", picture.width, "x", picture.height, Source(frame), ", converted in ",
                 std::fixed, std::setprecision(2), time.count(), " ms on ",
                 conversion_.threads.Description(picture.height));
@@ -106,14 +109,16 @@ class Converter {
 
   std::string StorePlanes(const Frame& frame, const fs::path& output, FileKind kind) const {
     if (kind == FileKind::kBgr || kind == FileKind::kBgra) {
-      throw Error(output.string(), ": a plane is grey; use .grey, .bmp, .png or .jpg");
+      throw FileError(output, "a plane is grey; use .grey, .bmp, .png or .jpg");
     }
     auto planes = ConvertToPlanes(frame, conversion_);
     constexpr std::array colours{"blue", "green", "red"};
+    std::deque<OutputFile> files;
     for (size_t i = 0; i < planes.size(); ++i) {
       ApplyGamma(planes[i], development_.gamma);
-      WritePicture(planes[i], kind, quality_, PlaneName(output, colours[i]));
+      WritePicture(planes[i], kind, quality_, files.emplace_back(PlaneName(output, colours[i])));
     }
+    for (OutputFile& file : files) file.Commit();
     return Text(PlaneName(output, "blue").string(), ", ..._green, ..._red: ", planes[0].width, "x",
                 planes[0].height, Source(frame));
   }
@@ -165,8 +170,7 @@ void AddConvertCommand(CLI::App& app) {
       ->check(CLI::Range(0, 65535));
   command->add_option("--gain", options->gain,
                       "Factors for raw samples: R,G,B, one number, or 'auto' (grey world)");
-  command->add_option("--gamma", options->development.gamma, "Gamma of the picture, 2.2 for most screens")
-      ->check(CLI::Range(0.1, 10.0));
+  AddGammaOption(*command, options->development.gamma, "Gamma of the picture, 2.2 for most screens");
   command->add_option("--quality", options->quality, "Quality of JPEG files")->check(CLI::Range(0, 100));
   command->callback([options] { RunConvert(*options); });
 }

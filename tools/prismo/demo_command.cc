@@ -2,9 +2,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <deque>
 #include <iomanip>
 #include <iostream>
 #include <memory>
+#include <sstream>
 
 #include "commands.h"
 #include "conversion.h"
@@ -54,29 +56,22 @@ Picture SideBySide(const Picture& left, const Picture& right, Point corner) {
 
 class Demo {
  public:
-  Demo(const fs::path& folder, Frame frame, const Development& development)
-      : folder_(folder), frame_(std::move(frame)), developed_(frame_), gamma_(development.gamma) {
+  // `input` is where the frame comes from, if from a file.
+  Demo(const fs::path& folder, const fs::path& input, Frame frame, const Development& development)
+      : folder_(folder),
+        input_(input),
+        frame_(std::move(frame)),
+        developed_(frame_),
+        gamma_(development.gamma) {
     DevelopFrame(developed_, development);
   }
 
-  void WritePictures(Point detail) const {
-    const bool bayer = frame_.format->kind == FormatClass::kBayer;
-    if (!bayer) {
-      Store("picture.png", Developed({}), "the frame, converted");
-      return;
-    }
-    Store("mosaic.png", Convert(frame_, {Demosaic::kNone, {}, ThreadChoice::Caller()}, 1),
-          "the samples as they are");
-    Store("linear.png", Convert(frame_, {}, 3),
-          "demosaiced and nothing else: linear light, no white balance");
-    const Picture bilinear = Developed(Demosaic::kBilinear), adaptive = Developed(Demosaic::kAdaptive);
-    Store("bilinear.png", bilinear, "for a screen, bilinear demosaic");
-    Store("adaptive.png", adaptive, "for a screen, adaptive demosaic");
-    Store("bilinear.bmp", bilinear, "the same by the library's BMP writer");
-    Store("bilinear.jpg", bilinear, "the same by the library's JPEG writer");
-    if (frame_.width >= kDetailWidth && frame_.height >= kDetailHeight) {
-      Store("detail.png", SideBySide(bilinear, adaptive, detail), "a detail, bilinear beside adaptive");
-    }
+  // Makes all files, or none of them.
+  void WriteFiles(Point detail) {
+    StoreFrame();
+    StorePictures(detail);
+    for (OutputFile& file : files_) file.Commit();
+    std::cout << listing_.str();
   }
 
   void PrintTimings() const {
@@ -105,9 +100,42 @@ class Demo {
     return picture;
   }
 
-  void Store(const std::string& name, const Picture& picture, const std::string& description) const {
-    WritePicture(picture, KindOfOutput(name, ""), kDefaultJpegQuality, folder_ / name);
-    std::cout << std::left << std::setw(36) << (folder_ / name).string() << "  " << description << '\n';
+  void StoreFrame() {
+    const fs::path path = folder_ / "frame.rwh";
+    std::error_code ignored;
+    // The input may be the copy that an earlier run made.
+    if (!fs::equivalent(input_, path, ignored)) WriteFrame(frame_, FileKind::kRwh, files_.emplace_back(path));
+    List(path, Text("the raw frame: ", frame_.format->name, " ", frame_.width, "x", frame_.height));
+  }
+
+  void StorePictures(Point detail) {
+    const bool bayer = frame_.format->kind == FormatClass::kBayer;
+    if (!bayer) {
+      Store("picture.png", Developed({}), "the frame, converted");
+      return;
+    }
+    Store("mosaic.png", Convert(frame_, {Demosaic::kNone, {}, ThreadChoice::Caller()}, 1),
+          "the samples as they are");
+    Store("linear.png", Convert(frame_, {}, 3),
+          "demosaiced and nothing else: linear light, no white balance");
+    const Picture bilinear = Developed(Demosaic::kBilinear), adaptive = Developed(Demosaic::kAdaptive);
+    Store("bilinear.png", bilinear, "for a screen, bilinear demosaic");
+    Store("adaptive.png", adaptive, "for a screen, adaptive demosaic");
+    Store("bilinear.bmp", bilinear, "the same by the library's BMP writer");
+    Store("bilinear.jpg", bilinear, "the same by the library's JPEG writer");
+    if (frame_.width >= kDetailWidth && frame_.height >= kDetailHeight) {
+      Store("detail.png", SideBySide(bilinear, adaptive, detail), "a detail, bilinear beside adaptive");
+    }
+  }
+
+  void Store(const std::string& name, const Picture& picture, const std::string& description) {
+    const fs::path path = folder_ / name;
+    WritePicture(picture, KindOfOutput(name, ""), kDefaultJpegQuality, files_.emplace_back(path));
+    List(path, description);
+  }
+
+  void List(const fs::path& path, const std::string& description) {
+    listing_ << std::left << std::setw(36) << path.string() << "  " << description << '\n';
   }
 
   static void PrintTiming(const char* name, const Frame& frame, const Conversion& conversion) {
@@ -127,16 +155,15 @@ class Demo {
   }
 
   fs::path folder_;
+  fs::path input_;
   Frame frame_;
   Frame developed_;
   double gamma_;
+  std::deque<OutputFile> files_;
+  std::ostringstream listing_;
 };
 
 void RunDemo(DemoOptions options) {
-  std::error_code error;
-  fs::create_directories(options.folder, error);
-  if (error) throw Error(options.folder, ": cannot be made: ", error.message());
-
   const bool own_scene = options.input.empty();
   Frame frame = own_scene ? RenderScene() : ReadFrame(options.input, options.dump.Layout());
   if (own_scene) options.development.black = kSceneBlackLevel;
@@ -145,17 +172,16 @@ void RunDemo(DemoOptions options) {
   } else {
     options.development.gamma = 1;  // only Bayer frames are sure to be linear
   }
-  const fs::path copy = fs::path(options.folder) / "frame.rwh";
-  WriteFrame(frame, FileKind::kRwh, copy);
-  std::cout << std::left << std::setw(36) << copy.string() << "  the raw frame: " << frame.format->name << " "
-            << frame.width << "x" << frame.height << '\n';
+  CheckConvertible(frame);
+  if (!own_scene) ProtectInputs({options.input});
 
   // The middle of the star, or of any other frame.
   const Point middle = own_scene ? Point{260, 700} : Point{frame.width / 2, frame.height / 2};
   const Point detail{middle.x - std::min(middle.x, kDetailWidth / 2),
                      middle.y - std::min(middle.y, kDetailHeight / 2)};
-  const Demo demo(options.folder, std::move(frame), options.development);
-  demo.WritePictures(detail);
+  const OutputFolder folder(options.folder);
+  Demo demo(options.folder, options.input, std::move(frame), options.development);
+  demo.WriteFiles(detail);
   demo.PrintTimings();
 }
 
@@ -167,16 +193,17 @@ void AddDemoCommand(CLI::App& app) {
       app.add_subcommand("demo",
                          "Convert a frame in several ways, with pictures and timings; without FILE, a test "
                          "scene that is rendered as a camera would see it");
-  command->add_option("FILE", options->input, "A raw frame file, or a headerless dump");
+  CLI::Option* file = command->add_option("FILE", options->input, "A raw frame file, or a headerless dump");
   options->dump.AddTo(*command);
+  for (const char* about_file : {"--size", "--format"}) command->get_option(about_file)->needs(file);
   command->add_option("-o,--output", options->folder, "Folder for the pictures (default: demo-output)");
   command->add_option("--shift", options->development.shift, "Shift every raw sample right by this many bits")
       ->check(CLI::Range(0, 8));
   command->add_option("--black", options->development.black, "Black level of FILE")
-      ->check(CLI::Range(0, 65535));
+      ->check(CLI::Range(0, 65535))
+      ->needs(file);
   command->add_option("--gain", options->gain, "Factors R,G,B for raw samples (default: auto)");
-  command->add_option("--gamma", options->development.gamma, "Gamma of the pictures (default: 2.2)")
-      ->check(CLI::Range(0.1, 10.0));
+  AddGammaOption(*command, options->development.gamma, "Gamma of the pictures (default: 2.2)");
   command->callback([options] { RunDemo(*options); });
 }
 

@@ -28,11 +28,18 @@ const char* Meaning(uint32_t status) {
   }
 }
 
+std::string Failure(uint32_t status, const std::string& operation) {
+  return Text(operation, " failed: ", Meaning(status), " (status 0x", std::hex, status, ")");
+}
+
 }  // namespace
 
 void Check(uint32_t status, const std::string& operation) {
-  if (status == UTL_STS_SUCCESS) return;
-  throw Error(operation, " failed: ", Meaning(status), " (status 0x", std::hex, status, ")");
+  if (status != UTL_STS_SUCCESS) throw Error(Failure(status, operation));
+}
+
+void CheckFile(uint32_t status, const std::filesystem::path& path, const std::string& operation) {
+  if (status != UTL_STS_SUCCESS) throw FileError(path, Failure(status, operation));
 }
 
 }  // namespace prismo::tool

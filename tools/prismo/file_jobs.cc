@@ -17,20 +17,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void RefuseToReplaceInput(const fs::path& input, const fs::path& output) {
-  std::error_code ignored;
-  if (fs::equivalent(input, output, ignored)) throw Error(output.string(), ": is the input itself");
-}
-
-// What went wrong names a file: the input, unless the message is about the output.
+// What went wrong is about the input unless it names a file itself.
 std::string RunJob(const FileJobs::Job& job, const fs::path& input, const fs::path& output,
                    FileKind kind) try {
-  RefuseToReplaceInput(input, output);
   return job(input, output, kind);
+} catch (const FileError&) {
+  throw;
 } catch (const std::exception& error) {
-  const std::string message = error.what();
-  const bool names_file = message.starts_with(input.string()) || message.starts_with(output.string());
-  throw Error(names_file ? "" : input.string() + ": ", message);
+  throw FileError(input, error.what());
 }
 
 std::vector<fs::path> NamesIn(const fs::path& folder, const std::vector<std::string>& inputs, FileKind kind) {
@@ -89,6 +83,7 @@ bool FileJobs::ToFolder() const {
 }
 
 void FileJobs::Run(FileKind default_kind, int parallel, const Job& job) const {
+  ProtectInputs(inputs);
   if (ToFolder()) return RunInFolder(default_kind, parallel, job);
   const std::string line = RunJob(job, inputs.front(), output, KindOfOutput(output, kind_name));
   (IsStandardOutput(output) ? std::cerr : std::cout) << line << '\n';
@@ -96,15 +91,8 @@ void FileJobs::Run(FileKind default_kind, int parallel, const Job& job) const {
 
 void FileJobs::RunInFolder(FileKind default_kind, int parallel, const Job& job) const {
   const FileKind kind = kind_name.empty() ? default_kind : KindOfOutput({}, kind_name);
-  const fs::path folder = output;
-  std::error_code error;
-  if (fs::exists(folder) && !fs::is_directory(folder)) {
-    throw Error(output, ": is not a folder, and ", inputs.size(), " files do not fit into one");
-  }
-  fs::create_directories(folder, error);
-  if (error) throw Error(output, ": cannot be made: ", error.message());
-
-  const std::vector<fs::path> outputs = NamesIn(folder, inputs, kind);
+  const OutputFolder folder(output);
+  const std::vector<fs::path> outputs = NamesIn(output, inputs, kind);
   const auto start = std::chrono::steady_clock::now();
   Progress progress(inputs.size());
   std::atomic<size_t> next = 0;

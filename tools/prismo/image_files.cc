@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 constexpr uint32_t kJpegLayoutBgr = 1;
 constexpr uint32_t kJpegLayoutBgra = 0;
-constexpr uint32_t kMaxJpegSide = 65535;
+constexpr uint32_t kMaxJpegSide = 65500;  // the encoder's limit
 
 struct KindName {
   std::string_view name;
@@ -35,40 +35,47 @@ constexpr KindName kKinds[] = {
     {"rwh", FileKind::kRwh}, {"raw", FileKind::kRaw},
 };
 
-void WriteBytes(const std::vector<uint8_t>& bytes, const std::string& path) {
-  std::ofstream file(path, std::ios::binary);
+void WriteBytes(const std::vector<uint8_t>& bytes, const OutputFile& output) {
+  std::ofstream file(output.scratch(), std::ios::binary);
   file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  output.RequireLength(bytes.size());
 }
 
-uint64_t WriteBmp(const Picture& picture, const std::string& path) {
+void WriteBmp(const Picture& picture, const OutputFile& file) {
   const auto [width, height, channels, bytes] =
       std::tie(picture.width, picture.height, picture.channels, picture.bytes);
+  const std::string path = file.scratch();
+  const auto check = [&](uint32_t status, uint64_t length) {
+    CheckFile(status, file.name(), "writing");
+    file.RequireLength(length);
+  };
   switch (channels) {
     case 1:
-      Check(SaveBmpMono(bytes.data(), width, height, path.c_str()), "writing a BMP file");
-      return 54 + 1024 + (uint64_t{width} + 3) / 4 * 4 * height;
+      return check(SaveBmpMono(bytes.data(), width, height, path.c_str()),
+                   54 + 1024 + (uint64_t{width} + 3) / 4 * 4 * height);
     case 3:
       // SaveBmpRGB pads rows of odd width in a way that other programs do not read; the stride form does not.
-      Check(SaveBmpRGBStrm(bytes.data(), width, height, 3 * width, path.c_str()), "writing a BMP file");
-      return 54 + (3 * uint64_t{width} + 3) / 4 * 4 * height;
+      return check(SaveBmpRGBStrm(bytes.data(), width, height, 3 * width, path.c_str()),
+                   54 + (3 * uint64_t{width} + 3) / 4 * 4 * height);
     default:
-      Check(SaveBmpARGB(bytes.data(), width, height, path.c_str()), "writing a BMP file");
-      return 54 + 4 * uint64_t{width} * height;
+      return check(SaveBmpARGB(bytes.data(), width, height, path.c_str()), 54 + 4 * uint64_t{width} * height);
   }
 }
 
-void WriteJpeg(const Picture& picture, unsigned quality, const std::string& path, const fs::path& target) {
+void WriteJpeg(const Picture& picture, unsigned quality, const OutputFile& file) {
   if (std::max(picture.width, picture.height) > kMaxJpegSide) {
-    throw Error(target.string(), ": a JPEG file holds at most ", kMaxJpegSide, " pixels a side, not ",
-                picture.width, "x", picture.height);
+    throw FileError(file.name(), "a JPEG file holds at most ", kMaxJpegSide, " pixels a side, not ",
+                    picture.width, "x", picture.height);
   }
   const auto* bytes = picture.bytes.data();
+  const std::string path = file.scratch();
   const uint32_t status =
       picture.channels == 1
           ? SaveJpegRQ(bytes, PRISMO_MONO8, quality, picture.width, picture.height, path.c_str())
           : SaveJpegQ(bytes, picture.channels == 3 ? kJpegLayoutBgr : kJpegLayoutBgra, quality, picture.width,
                       picture.height, path.c_str());
-  Check(status, target.string() + ": writing");
+  CheckFile(status, file.name(), "writing");
 }
 
 }  // namespace
@@ -82,58 +89,51 @@ FileKind KindOfOutput(const fs::path& path, const std::string& kind_name) {
   if (found != std::end(kKinds)) return found->kind;
   std::string all;
   for (const KindName& kind : kKinds) all += Text(" ", kind.name);
-  throw Error(kind_name.empty() ? Text(path.string(), ": the extension does not name a kind of output")
-                                : Text("unknown kind of output '", kind_name, "'"),
-              " (known:", all, ")");
+  if (!kind_name.empty()) throw Error("unknown kind of output '", kind_name, "' (known:", all, ")");
+  throw FileError(path, "the extension does not name a kind of output (known:", all, ")");
 }
 
 std::string ExtensionOf(FileKind kind) {
   return Text(".", std::ranges::find(kKinds, kind, &KindName::kind)->name);
 }
 
-void WritePicture(const Picture& picture, FileKind kind, unsigned jpeg_quality, const fs::path& path) {
-  OutputFile file(path);
-  std::optional<uint64_t> expected_bytes;
+void WritePicture(const Picture& picture, FileKind kind, unsigned jpeg_quality, const OutputFile& file) {
   switch (kind) {
     case FileKind::kBmp:
-      expected_bytes = WriteBmp(picture, file.scratch());
-      break;
+      return WriteBmp(picture, file);
     // These two encoders report a disk that is full themselves.
     case FileKind::kPng:
-      WritePng(picture, file.scratch(), path.string());
-      break;
+      return WritePng(picture, file.scratch(), file.name());
     case FileKind::kJpeg:
-      WriteJpeg(picture, jpeg_quality, file.scratch(), path);
-      break;
+      return WriteJpeg(picture, jpeg_quality, file);
     default:
-      WriteBytes(picture.bytes, file.scratch());
-      expected_bytes = picture.bytes.size();
+      WriteBytes(picture.bytes, file);
   }
-  file.Commit(expected_bytes);
+}
+
+void WriteFrame(const Frame& frame, FileKind kind, const OutputFile& file) {
+  if (kind != FileKind::kRwh) return WriteBytes(frame.bytes, file);
+  CheckFile(
+      SaveRWH(frame.bytes.data(), frame.format->code, frame.width, frame.height, file.scratch().c_str()),
+      file.name(), "writing");
+  file.RequireLength(16 + frame.bytes.size());
 }
 
 void WriteFrame(const Frame& frame, FileKind kind, const fs::path& path) {
   OutputFile file(path);
-  uint64_t expected_bytes = frame.bytes.size();
-  if (kind == FileKind::kRwh) {
-    Check(SaveRWH(frame.bytes.data(), frame.format->code, frame.width, frame.height, file.scratch().c_str()),
-          path.string() + ": writing");
-    expected_bytes += 16;
-  } else {
-    WriteBytes(frame.bytes, file.scratch());
-  }
-  file.Commit(expected_bytes);
+  WriteFrame(frame, kind, file);
+  file.Commit();
 }
 
 Picture ReadPicture(const fs::path& path) {
   LengthOfFile(path);
   std::ifstream file(path, std::ios::binary);
-  if (!file) throw Error(path.string(), ": cannot be opened: ", std::strerror(errno));
+  if (!file) throw FileError(path, "cannot be opened: ", std::strerror(errno));
   std::array<char, 4> start{};
   file.read(start.data(), start.size());
   if (std::string_view(start.data(), 2) == "BM") return ReadBmp(path);
   if (std::string_view(start.data(), 4) == "\x89PNG") return ReadPng(path);
-  throw Error(path.string(), ": neither a BMP nor a PNG file");
+  throw FileError(path, "neither a BMP nor a PNG file");
 }
 
 Picture WithColourChannels(Picture picture) {

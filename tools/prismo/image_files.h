@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
 
 #include "frame.h"
@@ -28,8 +27,10 @@ FileKind KindOfOutput(const std::filesystem::path& path, const std::string& kind
 std::string ExtensionOf(FileKind kind);
 inline bool HoldsFrame(FileKind kind) { return kind == FileKind::kRwh || kind == FileKind::kRaw; }
 
-void WritePicture(const Picture& picture, FileKind kind, unsigned jpeg_quality,
-                  const std::filesystem::path& path);
+// These fill an output file, which remains to be committed.
+void WritePicture(const Picture& picture, FileKind kind, unsigned jpeg_quality, const OutputFile& file);
+void WriteFrame(const Frame& frame, FileKind kind, const OutputFile& file);
+
 void WriteFrame(const Frame& frame, FileKind kind, const std::filesystem::path& path);
 
 // BMP and PNG, told apart by their first bytes; grey or B, G, R. Opacity is dropped.

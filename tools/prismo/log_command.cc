@@ -33,30 +33,38 @@ uint32_t ParseLevel(const std::string& text) {
   throw Error("--level takes debug, info, warn, error or fatal, not '", text, "'");
 }
 
+// Also reads all of it, for the library does not tell whether reading or writing failed.
 void CheckLog(const std::string& path) {
   const uint64_t length = LengthOfFile(path);
   if (length < kHeaderBytes) {
-    throw Error(path, ": a saved log begins with ", kHeaderBytes, " header bytes, but the file has ", length);
+    throw FileError(path, "a saved log begins with ", kHeaderBytes, " header bytes, but the file has ",
+                    length);
   }
   std::ifstream file(path, std::ios::binary);
   std::array<unsigned char, 4> count{};
   if (!file.seekg(kRecordCountAt).read(reinterpret_cast<char*>(count.data()), count.size())) {
-    throw Error(path, ": reading failed: ", std::strerror(errno));
+    throw FileError(path, "reading failed: ", std::strerror(errno));
   }
   const uint64_t stated =
       count[0] | uint64_t{count[1]} << 8 | uint64_t{count[2]} << 16 | uint64_t{count[3]} << 24;
   const uint64_t present = (length - kHeaderBytes) / kRecordBytes;
   if (present < stated) {
-    throw Error(path, ": the header says ", stated, " records, but the file holds ", present);
+    throw FileError(path, "the header says ", stated, " records, but the file holds ", present);
+  }
+  if (!file.ignore(static_cast<std::streamsize>(stated * kRecordBytes))) {
+    throw FileError(path, "reading failed: ", std::strerror(errno));
   }
 }
 
 void RunLog(const LogOptions& options) {
   const uint32_t level = ParseLevel(options.level);
   CheckLog(options.input);
+  ProtectInputs({options.input});
   OutputFile text(options.output);
-  Check(ConvLogPXU(options.input.c_str(), text.scratch().c_str(), level), options.input + ": converting");
-  text.Commit({});
+  if (ConvLogPXU(options.input.c_str(), text.scratch().c_str(), level) != UTL_STS_SUCCESS) {
+    throw FileError(text.name(), "writing failed; is the disk full?");
+  }
+  text.Commit();
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ int Run(int argc, char** argv) {
   RemoveScratchFilesOnSignals();
   CLI::App app("Raw frames of industrial cameras: describe, convert, compare, make.", "prismo");
   app.set_version_flag("--version", "prismo " PRISMO_VERSION);
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   AddFormatsCommand(app);
   AddInfoCommand(app);
   AddConvertCommand(app);
@@ -22,6 +22,11 @@ int Run(int argc, char** argv) {
   AddCompareCommand(app);
   AddLogCommand(app);
   AddDemoCommand(app);
+  RefuseEmptyValues(app);
+  // Only in the end: words that are no command are more worth a complaint than a missing one.
+  app.callback([&app] {
+    if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
+  });
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& help) {

@@ -55,7 +55,7 @@ void RunMirror(const MirrorOptions& options) {
   options.files.Run(FileKind::kRwh, std::max(1, choice.count()),
                     [&](const fs::path& input, const fs::path& output, FileKind kind) {
                       if (!HoldsFrame(kind)) {
-                        throw Error(output.string(), ": a mirrored frame goes to a .rwh or .raw file");
+                        throw FileError(output, "a mirrored frame goes to a .rwh or .raw file");
                       }
                       const Frame frame = ReadFrame(input, layout);
                       const Frame mirrored = Mirrored(frame, options, threads);

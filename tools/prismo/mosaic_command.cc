@@ -84,13 +84,12 @@ void RunMosaic(const MosaicOptions& options) {
   const int parallel = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
   options.files.Run(
       FileKind::kRwh, parallel, [&](const fs::path& input, const fs::path& output, FileKind kind) {
-        if (!HoldsFrame(kind)) throw Error(output.string(), ": a camera frame goes to a .rwh or .raw file");
+        if (!HoldsFrame(kind)) throw FileError(output, "a camera frame goes to a .rwh or .raw file");
         const Picture photo = WithColourChannels(ReadPicture(input));
         const uint32_t width = photo.width / WidthUnit(format) * WidthUnit(format);
         const uint32_t height = photo.height / HeightUnit(format) * HeightUnit(format);
         if (width == 0 || height == 0) {
-          throw Error(input.string(), ": ", photo.width, "x", photo.height, " is too small for ",
-                      format.name);
+          throw FileError(input, photo.width, "x", photo.height, " is too small for ", format.name);
         }
         const bool whole = width == photo.width && height == photo.height;
         WriteFrame(MakeFrame(whole ? photo : Cropped(photo, width, height), format), kind, output);

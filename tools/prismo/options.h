@@ -16,6 +16,11 @@ namespace prismo::tool {
 constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
 
+// Makes an empty value of any option or argument wrong usage. To be called with all commands there.
+void RefuseEmptyValues(CLI::App& app);
+
+void AddGammaOption(CLI::App& command, double& gamma, const std::string& description);
+
 struct DumpOptions {
   std::string size;
   std::string format;

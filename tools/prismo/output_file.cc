@@ -1,15 +1,16 @@
 #include "output_file.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <array>
-#include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <deque>
 #include <memory>
-#include <mutex>
-#include <random>
+#include <set>
+#include <system_error>
+#include <utility>
 
 #include "error.h"
 
@@ -18,49 +19,29 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Names that a signal handler can read at any moment: strings are never freed, slots are atomic.
-std::array<std::atomic<const char*>, 64> pending_scratch;
-
-void Register(const fs::path& scratch) {
-  static std::mutex mutex;
-  static std::deque<std::string> names;
-  const std::lock_guard lock(mutex);
-  const char* name = names.emplace_back(scratch.string()).c_str();
-  for (auto& slot : pending_scratch) {
-    const char* free = nullptr;
-    if (slot.compare_exchange_strong(free, name)) return;
-  }
-}
-
-void Unregister(const fs::path& scratch) {
-  for (auto& slot : pending_scratch) {
-    const char* name = slot.load();
-    if (name && scratch == name) slot.store(nullptr);
-  }
-}
-
-extern "C" void RemovePendingAndDie(int signal) {
-  for (auto& slot : pending_scratch) {
-    if (const char* name = slot.load()) std::remove(name);
-  }
-  std::signal(signal, SIG_DFL);
-  std::raise(signal);
-}
-
 using CFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+using FileIdentity = std::pair<dev_t, ino_t>;
 
-// Creates an empty file under a name that nothing has.
-fs::path CreateScratch(const fs::path& folder) {
-  for (int attempt = 0; attempt < 100; ++attempt) {
-    const fs::path path = folder / Text(".prismo-", std::hex, std::random_device()(), ".tmp");
-    if (std::FILE* file = std::fopen(path.string().c_str(), "wbx")) {
-      std::fclose(file);
-      return path;
-    }
-    if (errno != EEXIST)
-      throw Error(path.parent_path().string(), ": cannot be written to: ", std::strerror(errno));
+// Whatever name leads to it.
+std::optional<FileIdentity> IdentityOf(const fs::path& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return {};
+  return FileIdentity(status.st_dev, status.st_ino);
+}
+
+std::set<FileIdentity>& ProtectedInputs() {
+  static std::set<FileIdentity> inputs;
+  return inputs;
+}
+
+// Renaming would replace what we may not even write to.
+void RequireReplaceable(const fs::path& target, const fs::path& name) {
+  const auto identity = IdentityOf(target);
+  if (identity && ProtectedInputs().contains(*identity))
+    throw FileError(name, "is an input, which stays as it is");
+  if (access(target.c_str(), W_OK) != 0) {
+    throw FileError(name, "cannot be written to: ", std::strerror(errno));
   }
-  throw Error(folder.string(), ": no free name for a temporary file");
 }
 
 fs::path FolderOf(const fs::path& path) {
@@ -69,59 +50,71 @@ fs::path FolderOf(const fs::path& path) {
 
 }  // namespace
 
+void ProtectInputs(const std::vector<std::string>& inputs) {
+  for (const std::string& input : inputs) {
+    if (const auto identity = IdentityOf(input)) ProtectedInputs().insert(*identity);
+  }
+}
+
 bool IsStandardOutput(const fs::path& target) { return target == "-" || target == "/dev/stdout"; }
 
-OutputFile::OutputFile(const fs::path& target) : target_(target), replaces_target_(true) {
+OutputFile::OutputFile(const fs::path& target)
+    : name_(IsStandardOutput(target) ? "standard output" : target), target_(target) {
+  constexpr fs::perms kOurs = fs::perms::owner_read | fs::perms::owner_write;
+  constexpr fs::perms kEverybodys = kOurs | fs::perms::group_read | fs::perms::group_write |
+                                    fs::perms::others_read | fs::perms::others_write;
   std::error_code error;
   const fs::file_status status = fs::status(target_, error);
-  if (fs::is_directory(status)) throw Error(target_.string(), ": is a folder");
-  if (IsStandardOutput(target_) || (fs::exists(status) && !fs::is_regular_file(status)))
-    replaces_target_ = false;
+  const bool exists = fs::exists(status);
+  if (fs::is_directory(status)) throw FileError(name_, "is a folder");
+  replaces_target_ = !IsStandardOutput(target_) && (!exists || fs::is_regular_file(status));
 
+  fs::path folder;
   if (replaces_target_) {
-    // A link to a file stays a link: the file that it names is replaced.
-    if (fs::exists(status)) target_ = fs::canonical(target_);
-    const fs::path folder = FolderOf(target_);
-    if (!fs::is_directory(folder, error))
-      throw Error(target.string(), ": there is no folder ", folder.string());
-    scratch_ = CreateScratch(folder);
+    if (exists) {
+      // A link to a file stays a link: the file that it names is replaced.
+      target_ = fs::canonical(target_);
+      RequireReplaceable(target_, name_);
+    }
+    folder = FolderOf(target_);
+    if (!fs::is_directory(folder, error)) throw FileError(name_, "there is no folder ", folder.string());
   } else {
-    scratch_ = CreateScratch(fs::temp_directory_path());
+    folder = fs::temp_directory_path();
   }
-  Register(scratch_);
+  try {
+    scratch_.emplace(folder, replaces_target_ && !exists ? kEverybodys : kOurs);
+  } catch (const std::system_error& failure) {
+    throw FileError(name_, "the folder ", folder.string(),
+                    " cannot be written to: ", failure.code().message());
+  }
 }
 
-OutputFile::~OutputFile() {
-  std::error_code ignored;
-  if (!scratch_.empty()) fs::remove(scratch_, ignored);
-  Unregister(scratch_);
+void OutputFile::RequireLength(uint64_t bytes) const {
+  const uint64_t written = scratch_->Size();
+  if (written != bytes) {
+    throw FileError(name_, "only ", written, " of ", bytes, " bytes could be written; is the disk full?");
+  }
 }
 
-void OutputFile::Commit(std::optional<uint64_t> expected_bytes) {
-  const uint64_t written = fs::file_size(scratch_);
-  if (expected_bytes && written != *expected_bytes) {
-    throw Error(target_.string(), ": only ", written, " of ", *expected_bytes,
-                " bytes could be written; is the disk full?");
-  }
-  if (replaces_target_) {
-    std::error_code error;
-    fs::rename(scratch_, target_, error);
-    if (error) throw Error(target_.string(), ": ", error.message());
-  } else {
-    CopyToTarget();
+void OutputFile::Commit() {
+  if (!replaces_target_) return CopyToTarget();
+  try {
+    scratch_->RenameTo(target_);
+  } catch (const std::system_error& failure) {
+    throw FileError(name_, "cannot be written to: ", failure.code().message());
   }
 }
 
 void OutputFile::CopyToTarget() const {
   const CFile in(std::fopen(scratch().c_str(), "rb"), &std::fclose);
-  if (!in) throw Error(target_.string(), ": the temporary file is gone: ", std::strerror(errno));
+  if (!in) throw FileError(name_, "the temporary file is gone: ", std::strerror(errno));
   CFile opened(IsStandardOutput(target_) ? nullptr : std::fopen(target_.string().c_str(), "wb"),
                &std::fclose);
   std::FILE* out = IsStandardOutput(target_) ? stdout : opened.get();
-  if (!out) throw Error(target_.string(), ": cannot be written to: ", std::strerror(errno));
+  if (!out) throw FileError(name_, "cannot be written to: ", std::strerror(errno));
 
   const auto require = [&](bool good) {
-    if (!good) throw Error(target_.string(), ": writing failed: ", std::strerror(errno));
+    if (!good) throw FileError(name_, "writing failed: ", std::strerror(errno));
   };
   std::array<char, 65536> buffer;
   while (const size_t count = std::fread(buffer.data(), 1, buffer.size(), in.get())) {
@@ -130,15 +123,22 @@ void OutputFile::CopyToTarget() const {
   require(std::fflush(out) == 0);
 }
 
-void RemoveScratchFilesOnSignals() {
-  std::signal(SIGINT, RemovePendingAndDie);
-  std::signal(SIGTERM, RemovePendingAndDie);
-#ifdef SIGHUP
-  std::signal(SIGHUP, RemovePendingAndDie);
-  std::signal(SIGPIPE, RemovePendingAndDie);
-  // Beyond a file-size limit writing fails, which is reported, instead of killing the program.
-  std::signal(SIGXFSZ, SIG_IGN);
-#endif
+OutputFolder::OutputFolder(const fs::path& path) {
+  std::error_code error;
+  fs::path folder = path.has_filename() ? path : path.parent_path();
+  if (fs::exists(folder, error) && !fs::is_directory(folder, error)) throw FileError(path, "is not a folder");
+  for (; !folder.empty() && !fs::exists(folder, error); folder = folder.parent_path())
+    made_.push_back(folder);
+  fs::create_directories(path, error);
+  if (error) {
+    RemoveEmpty();
+    throw FileError(path, "cannot be made: ", error.message());
+  }
+}
+
+void OutputFolder::RemoveEmpty() const {
+  std::error_code ignored;
+  for (const fs::path& folder : made_) fs::remove(folder, ignored);
 }
 
 }  // namespace prismo::tool

@@ -4,8 +4,16 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <vector>
+
+#include "scratch_file.h"
 
 namespace prismo::tool {
+
+// No output file may be one of these. To be called with all inputs of a command that also writes, before its
+// first output.
+void ProtectInputs(const std::vector<std::string>& inputs);
 
 // Writers fill scratch(), a file beside the target; Commit() gives it the target's name. A target that is not
 // a regular file (a device, a pipe, standard output) gets the bytes instead. Without Commit() nothing
@@ -13,27 +21,40 @@ namespace prismo::tool {
 class OutputFile {
  public:
   explicit OutputFile(const std::filesystem::path& target);
-  ~OutputFile();
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
 
-  const std::filesystem::path& target() const { return target_; }
-  std::string scratch() const { return scratch_.string(); }
+  // The target as messages name it.
+  const std::filesystem::path& name() const { return name_; }
+  std::string scratch() const { return scratch_->PathToOpen(); }
 
-  // The library's writers do not notice a full disk: pass the length that the file must have.
-  void Commit(std::optional<uint64_t> expected_bytes);
+  // Throws unless the file has got this length: the library's writers do not notice a full disk.
+  void RequireLength(uint64_t bytes) const;
+
+  void Commit();
 
  private:
   void CopyToTarget() const;
 
+  std::filesystem::path name_;
   std::filesystem::path target_;
-  std::filesystem::path scratch_;
+  std::optional<ScratchFile> scratch_;
   bool replaces_target_;
 };
 
 bool IsStandardOutput(const std::filesystem::path& target);
 
-// Makes interrupts remove the scratch files that exist. To be called once, at the start.
-void RemoveScratchFilesOnSignals();
+// A folder for output files, made with those that it lies in; what was made and is still empty in the end
+// goes.
+class OutputFolder {
+ public:
+  explicit OutputFolder(const std::filesystem::path& path);
+  ~OutputFolder() { RemoveEmpty(); }
+  OutputFolder(const OutputFolder&) = delete;
+  OutputFolder& operator=(const OutputFolder&) = delete;
+
+ private:
+  void RemoveEmpty() const;
+
+  std::vector<std::filesystem::path> made_;  // the innermost first
+};
 
 }  // namespace prismo::tool

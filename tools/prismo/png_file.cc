@@ -64,8 +64,8 @@ Picture ReadPng(const std::filesystem::path& path) {
   const uint64_t length = LengthOfFile(path);
   Decoder decoder;
   decoder.file = std::fopen(path.string().c_str(), "rb");
-  if (!decoder.file) throw Error(path.string(), ": cannot be opened: ", std::strerror(errno));
-  if (!decoder.ReadHeader()) throw Error(path.string(), ": not a readable PNG file: ", decoder.message);
+  if (!decoder.file) throw FileError(path, "cannot be opened: ", std::strerror(errno));
+  if (!decoder.ReadHeader()) throw FileError(path, "not a readable PNG file: ", decoder.message);
 
   const uint32_t width = png_get_image_width(decoder.png, decoder.info);
   const uint32_t height = png_get_image_height(decoder.png, decoder.info);
@@ -74,14 +74,13 @@ Picture ReadPng(const std::filesystem::path& path) {
   // Deflate shrinks data at most about 1030-fold, so a small file cannot ask for a large buffer. A pixel
   // takes at least one bit.
   if (pixels > kMaxPixels || pixels / 8 > length * 1100) {
-    throw Error(path.string(), ": a PNG of ", width, "x", height, " does not fit a file of ", length,
-                " bytes");
+    throw FileError(path, "a PNG of ", width, "x", height, " does not fit a file of ", length, " bytes");
   }
   Picture picture = MakePicture(width, height, grey ? 1 : 3);
   std::vector<png_bytep> rows(height);
   for (uint32_t y = 0; y < height; ++y) rows[y] = picture.At(0, y);
   if (!decoder.ReadPixels(rows.data(), size_t{width} * picture.channels)) {
-    throw Error(path.string(), ": reading failed: ", decoder.message);
+    throw FileError(path, "reading failed: ", decoder.message);
   }
   return picture;
 }
@@ -95,7 +94,7 @@ void WritePng(const Picture& picture, const std::string& path, const std::string
                  : picture.channels == 3 ? PNG_FORMAT_BGR
                                          : PNG_FORMAT_BGRA;
   if (!png_image_write_to_file(&image, path.c_str(), 0, picture.bytes.data(), 0, nullptr)) {
-    throw Error(name, ": writing failed: ", image.message);
+    throw FileError(name, "writing failed: ", image.message);
   }
 }
 

@@ -18,7 +18,7 @@ constexpr uint64_t kRwhHeaderBytes = 16;
 
 std::ifstream OpenForReading(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) throw Error(path.string(), ": cannot be opened: ", std::strerror(errno));
+  if (!file) throw FileError(path, "cannot be opened: ", std::strerror(errno));
   return file;
 }
 
@@ -32,45 +32,45 @@ std::string Describe(const Format& format, uint64_t width, uint64_t height) {
 
 void CheckSize(const fs::path& path, const FrameHeader& header) {
   const uint64_t pixels = uint64_t{header.width} * header.height;
-  if (pixels == 0) throw Error(path.string(), ": a frame of ", header.width, "x", header.height, " is empty");
+  if (pixels == 0) throw FileError(path, "a frame of ", header.width, "x", header.height, " is empty");
   if (pixels > kMaxPixels) {
-    throw Error(path.string(), ": a frame of ", header.width, "x", header.height,
-                " is larger than the largest that is handled (", kMaxPixels, " pixels)");
+    throw FileError(path, "a frame of ", header.width, "x", header.height,
+                    " is larger than the largest that is handled (", kMaxPixels, " pixels)");
   }
 }
 
 void CheckLength(const fs::path& path, const FrameHeader& header, uint64_t length) {
   const uint64_t expected = header.data_offset + header.DataBytes();
   if (length == expected) return;
-  throw Error(path.string(), ": ", Describe(*header.format, header.width, header.height),
-              header.data_offset ? " behind a header takes " : " takes ", expected,
-              " bytes, but the file has ", length,
-              length < expected ? Text(" (", expected - length, " too few)")
-                                : Text(" (", length - expected, " too many)"));
+  throw FileError(path, Describe(*header.format, header.width, header.height),
+                  header.data_offset ? " behind a header takes " : " takes ", expected,
+                  " bytes, but the file has ", length,
+                  length < expected ? Text(" (", expected - length, " too few)")
+                                    : Text(" (", length - expected, " too many)"));
 }
 
 FrameHeader ExamineRwh(const fs::path& path, uint64_t length) {
   std::array<unsigned char, kRwhHeaderBytes> bytes{};
   if (length < bytes.size()) {
-    throw Error(path.string(), ": a raw frame file begins with ", bytes.size(),
-                " header bytes, but the file has ", length);
+    throw FileError(path, "a raw frame file begins with ", bytes.size(), " header bytes, but the file has ",
+                    length);
   }
   std::ifstream file = OpenForReading(path);
   if (!file.read(reinterpret_cast<char*>(bytes.data()), bytes.size())) {
-    throw Error(path.string(), ": reading failed");
+    throw FileError(path, "reading failed");
   }
   const uint32_t code = LittleEndian32(&bytes[0]);
   const FrameHeader header{FormatByCode(code), LittleEndian32(&bytes[4]), LittleEndian32(&bytes[8]),
                            kRwhHeaderBytes};
   const uint32_t row_bytes = LittleEndian32(&bytes[12]);
   if (!header.format) {
-    throw Error(path.string(), ": the header names the unknown pixel format 0x", std::hex, code,
-                " (a headerless dump needs --size and --format)");
+    throw FileError(path, "the header names the unknown pixel format 0x", std::hex, code,
+                    " (a headerless dump needs --size and --format)");
   }
   CheckSize(path, header);
   if (row_bytes != RowBytes(*header.format, header.width)) {
-    throw Error(path.string(), ": a row of ", Describe(*header.format, header.width, header.height), " has ",
-                RowBytes(*header.format, header.width), " bytes, but the header says ", row_bytes);
+    throw FileError(path, "a row of ", Describe(*header.format, header.width, header.height), " has ",
+                    RowBytes(*header.format, header.width), " bytes, but the header says ", row_bytes);
   }
   return header;
 }
@@ -93,11 +93,11 @@ Size ParseSize(const std::string& text) {
 uint64_t LengthOfFile(const fs::path& path) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) throw Error(path.string(), ": no such file");
-  if (fs::is_directory(status)) throw Error(path.string(), ": is a folder");
-  if (!fs::is_regular_file(status)) throw Error(path.string(), ": is not a regular file");
+  if (!fs::exists(status)) throw FileError(path, "no such file");
+  if (fs::is_directory(status)) throw FileError(path, "is a folder");
+  if (!fs::is_regular_file(status)) throw FileError(path, "is not a regular file");
   const uint64_t length = fs::file_size(path, error);
-  if (error) throw Error(path.string(), ": ", error.message());
+  if (error) throw FileError(path, error.message());
   return length;
 }
 
@@ -105,7 +105,7 @@ FrameHeader ExamineFrame(const fs::path& path, const DumpLayout& layout) {
   const uint64_t length = LengthOfFile(path);
   const bool described = layout.size || layout.format;
   if (!NamesRwh(path) && described && !(layout.size && layout.format)) {
-    throw Error(path.string(), ": a headerless dump needs both --size and --format");
+    throw FileError(path, "a headerless dump needs both --size and --format");
   }
   FrameHeader header{};
   if (NamesRwh(path) || !described) {
@@ -114,8 +114,8 @@ FrameHeader ExamineFrame(const fs::path& path, const DumpLayout& layout) {
         (!layout.format || layout.format == header.format) &&
         (!layout.size || (layout.size->width == header.width && layout.size->height == header.height));
     if (!agrees) {
-      throw Error(path.string(), ": the header says ", Describe(*header.format, header.width, header.height),
-                  ", which is not what the command line says");
+      throw FileError(path, "the header says ", Describe(*header.format, header.width, header.height),
+                      ", which is not what the command line says");
     }
   } else {
     header = {layout.format, layout.size->width, layout.size->height, 0};
@@ -128,16 +128,12 @@ FrameHeader ExamineFrame(const fs::path& path, const DumpLayout& layout) {
 Frame ReadFrame(const fs::path& path, const DumpLayout& layout) {
   const FrameHeader header = ExamineFrame(path, layout);
   Frame frame{header.format, header.width, header.height, std::vector<uint8_t>(header.DataBytes())};
-  if (header.data_offset) {
-    uint8_t* buffer = frame.bytes.data();
-    Check(LoadRWH(path.string().c_str(), &buffer, nullptr, nullptr, nullptr, nullptr),
-          path.string() + ": loading");
-  } else {
-    std::ifstream file = OpenForReading(path);
-    if (!file.read(reinterpret_cast<char*>(frame.bytes.data()),
-                   static_cast<std::streamsize>(frame.bytes.size()))) {
-      throw Error(path.string(), ": reading failed");
-    }
+  // Not by LoadRWH, which does not tell when reading fails.
+  std::ifstream file = OpenForReading(path);
+  file.seekg(static_cast<std::streamoff>(header.data_offset));
+  if (!file.read(reinterpret_cast<char*>(frame.bytes.data()),
+                 static_cast<std::streamsize>(frame.bytes.size()))) {
+    throw FileError(path, "reading failed");
   }
   return frame;
 }
