@@ -95,6 +95,9 @@ TEST_F(FailureTest, UnknownNamesGetASuggestion) {
 
 TEST_F(FailureTest, OutputsThatCannotBeWritten) {
   MakeFrame("f", PRISMO_BAYER_RG8, 64, 64);
+  const std::string long_name(300, 'n');
+  ExpectFailure("convert f.rwh -o " + long_name + ".bmp", {"prismo: " + long_name, ": File name too long"});
+  ExpectFailure("convert f.rwh --planes --as bmp -o -", {"standard output", "three planes"});
   ExpectFailure("convert f.rwh -o none/x.bmp", {"none/x.bmp", "no folder"});
   ExpectFailure("convert f.rwh -o f.rwh/x.bmp", {"no folder"});
   ExpectFailure("convert f.rwh -o /proc/x.bmp", {"prismo: /proc/x.bmp: ", "/proc cannot be written to"});

@@ -55,9 +55,7 @@ TEST_F(FormatsTest, HelpSucceeds) {
   }
 }
 
-TEST_F(FormatsTest, ItSaysWhichVersionItIs) {
-  EXPECT_TRUE(RunWell("--version").starts_with("prismo 1.")) << RunWell("--version");
-}
+TEST_F(FormatsTest, ItSaysWhichVersionItIs) { EXPECT_TRUE(RunWell("--version").starts_with("prismo 1.")); }
 
 TEST_F(FormatsTest, WrongUsageIsNamed) {
   ExpectWrongUsage("nonsense", {"not expected: nonsense", "prismo --help"});

@@ -111,6 +111,7 @@ class Converter {
     if (kind == FileKind::kBgr || kind == FileKind::kBgra) {
       throw FileError(output, "a plane is grey; use .grey, .bmp, .png or .jpg");
     }
+    if (IsStandardOutput(output)) throw FileError("standard output", "takes one file, not three planes");
     auto planes = ConvertToPlanes(frame, conversion_);
     constexpr std::array colours{"blue", "green", "red"};
     std::deque<OutputFile> files;

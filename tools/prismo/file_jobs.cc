@@ -79,7 +79,9 @@ class Progress {
 }  // namespace
 
 bool FileJobs::ToFolder() const {
-  return inputs.size() > 1 || fs::is_directory(output) || output.ends_with('/') || output.ends_with('\\');
+  std::error_code ignored;
+  return inputs.size() > 1 || fs::is_directory(output, ignored) || output.ends_with('/') ||
+         output.ends_with('\\');
 }
 
 void FileJobs::Run(FileKind default_kind, int parallel, const Job& job) const {
