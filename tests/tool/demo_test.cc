@@ -51,7 +51,8 @@ TEST_F(DemoTest, AFrameOfTheUser) {
 }
 
 TEST_F(DemoTest, TheFrameOfTheUserStays) {
-  RunWell("demo -o out");
+  MakeFrame("f", PRISMO_BAYER_GB8, 32, 20);
+  RunWell("demo f.rwh -o out");
   const Bytes frame = Content("out/frame.rwh");
   RunWell("demo out/frame.rwh -o out");
   EXPECT_EQ(Content("out/frame.rwh"), frame);

@@ -121,7 +121,7 @@ TEST_F(OutputTest, InterruptedBatchLeavesNoTemporaryFiles) {
   fs::create_directory(Path("out"));
   for (int run = 0; run < 25; ++run) {
     const std::string delay = "0.0" + std::to_string(10 + 2 * run);
-    const Outcome outcome = Run("convert f*.rwh -o out/ --threads 16", "timeout -s INT " + delay);
+    const Outcome outcome = Run("convert f*.rwh -o out/ --threads 16", "timeout -s TERM " + delay);
     EXPECT_TRUE(outcome.exit_code == 124 || outcome.exit_code == 0) << outcome.err;
     ASSERT_EQ(ScratchFilesIn("out"), 0u) << "after " << delay << " s";
   }
