@@ -183,8 +183,15 @@ void PutBgra(const uint8_t* greens, ColumnRange columns, const RowTarget& target
 }
 
 void PutBgr(const uint8_t* greens, ColumnRange columns, const RowTarget& target) {
+  const D8 d;
   uint8_t* dst = target.plane[0] + size_t{3} * (columns.begin - target.first_column);
-  for (size_t x = columns.begin; x < columns.end; ++x, dst += 3) dst[1] = greens[x];
+  size_t x = columns.begin;
+  for (; x + kLanes <= columns.end; x += kLanes, dst += 3 * kLanes) {
+    V8 blue, green, red;
+    hn::LoadInterleaved3(d, dst, blue, green, red);
+    hn::StoreInterleaved3(blue, hn::LoadU(d, greens + x), red, d, dst);
+  }
+  for (; x < columns.end; ++x, dst += 3) dst[1] = greens[x];
 }
 
 constexpr AcpiKernels kKernels = {
