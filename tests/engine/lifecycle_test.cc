@@ -1,8 +1,10 @@
 // The pool's end: called for, by a process that exits, in a child process, and with the library.
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -220,6 +222,29 @@ TEST_F(Lifecycle, WorkersReceiveNoSignalsButTheirOwnFaults) {
   ASSERT_EQ(ExecWork1(look, 0, 9, nullptr, 16, 10, 1, 16, nullptr, 1, 16, 0, 10, 0), 0u);
   EXPECT_FALSE(faults_blocked);
   EXPECT_TRUE(others_blocked);
+}
+
+// Waits go on after a signal whose handler has run, for no less and no longer than they should.
+TEST_F(Lifecycle, SignalsDisturbNoWait) {
+  static std::atomic<int> signals{0};
+  struct sigaction action {};
+  action.sa_handler = [](int) { ++signals; };  // without SA_RESTART: system calls end with EINTR
+  ASSERT_EQ(sigaction(SIGALRM, &action, nullptr), 0);
+  const itimerval often{{0, 500}, {0, 500}}, never{};
+  ASSERT_EQ(setitimer(ITIMER_REAL, &often, nullptr), 0);
+  StartMPThreads(1);
+  const auto slowly = [](MPWork* work) {
+    ForEachBlock(work, [](int32_t, int32_t) { std::this_thread::sleep_for(std::chrono::milliseconds(30)); });
+  };
+  const auto run = [&] { return ExecWork1(slowly, 0, 9, nullptr, 16, 10, 1, 16, nullptr, 1, 16, 0, 5, 0); };
+  SetMPTimeout_msec(20'000);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(run(), 0u);
+  SetMPTimeout_msec(20);
+  const Stopwatch watch;
+  EXPECT_EQ(run(), UTL_STS_TIMEOUT);
+  EXPECT_GE(watch.Elapsed(), std::chrono::milliseconds(20));
+  setitimer(ITIMER_REAL, &never, nullptr);
+  EXPECT_GT(signals, 10);
 }
 
 }  // namespace

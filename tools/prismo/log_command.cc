@@ -9,6 +9,7 @@
 #include "PrismoUtl.h"
 #include "commands.h"
 #include "error.h"
+#include "log_story.h"
 #include "output_file.h"
 #include "raw_input.h"
 
@@ -23,6 +24,8 @@ struct LogOptions {
   std::string input;
   std::string output = "-";
   std::string level = "debug";
+  bool explain = false;
+  bool trace = false;
 };
 
 uint32_t ParseLevel(const std::string& text) {
@@ -56,14 +59,25 @@ void CheckLog(const std::string& path) {
   }
 }
 
+// Puts a view of the log in the place of its text.
+void Replace(const std::string& text_path, void (*view)(const LogStory& story, std::ostream& out)) {
+  std::ifstream text(text_path);
+  const LogStory story = ReadStory(text);
+  std::ofstream out(text_path, std::ios::binary);
+  view(story, out);
+  if (!out.flush()) throw Error("writing failed; is the disk full?");
+}
+
 void RunLog(const LogOptions& options) {
-  const uint32_t level = ParseLevel(options.level);
+  const uint32_t level = options.explain || options.trace ? 0 : ParseLevel(options.level);
   CheckLog(options.input);
   ProtectInputs({options.input});
   OutputFile text(options.output);
   if (ConvLogPXU(options.input.c_str(), text.scratch().c_str(), level) != UTL_STS_SUCCESS) {
     throw FileError(text.name(), "writing failed; is the disk full?");
   }
+  if (options.explain) Replace(text.scratch(), Explain);
+  if (options.trace) Replace(text.scratch(), WriteTrace);
   text.Commit();
 }
 
@@ -75,6 +89,13 @@ void AddLogCommand(CLI::App& app) {
   command->add_option("FILE", options->input, "A saved log (.pxu)")->required();
   command->add_option("-o,--output", options->output, "Text file (default: standard output)");
   command->add_option("--level", options->level, "Leave out records below debug, info, warn, error or fatal");
+  CLI::Option* const explain = command->add_flag(
+      "--explain", options->explain, "Tell the story of each work, and why those that were given up were");
+  CLI::Option* const trace =
+      command->add_flag("--trace", options->trace,
+                        "Write calls and blocks in the Trace Event Format, which trace viewers open");
+  explain->excludes(trace)->excludes("--level");
+  trace->excludes("--level");
   command->callback([options] { RunLog(*options); });
 }
 
