@@ -84,7 +84,7 @@ HWY_INLINE void MirrorPart(uint8_t* to, const uint8_t* from, size_t first, size_
   std::memcpy(to, block + first, count);
 }
 
-constexpr size_t kPrefetchAhead = 1024;
+[[maybe_unused]] constexpr size_t kPrefetchAhead = 1024;  // not where there are no wide vectors
 
 // Bytes to go down from `end` in steps of a unit to the start of a cache line: fewer than a block, or a block
 // when there is no such place.
