@@ -113,7 +113,7 @@ void MPManager::SetThreadPriority(int32_t priority) {
   Record(LogFunction::kManagerSetThreadPriority, LogKind::kStarted, LogLevel::kInfo,
          {Bits(thread_priority_), Bits(priority)});
   thread_priority_ = priority;
-  WakeThreads();
+  WakeThreads(Caller::kGoesOn);
   Record(LogFunction::kManagerSetThreadPriority, LogKind::kFinished, LogLevel::kInfo, {Bits(priority)});
 }
 
@@ -124,8 +124,13 @@ int32_t MPManager::GetThreadPriority() {
 }
 
 // A thread that is just being made needs no waking: it looks at the queue before it first sleeps.
-void MPManager::WakeThreads() {
+void MPManager::WakeThreads(Caller caller) {
   const int32_t threads = CurrentThreads();
+  if (threads == 1 && caller == Caller::kWaits) {
+    // One at a time is awake, the caller or the thread; more threads had better spread out.
+    slots_[0].wake.SetAndYieldTo(slots_[0].thread_id.load(std::memory_order_relaxed));
+    return;
+  }
   for (int32_t index = 0; index < threads; ++index) slots_[static_cast<size_t>(index)].wake.Set();
 }
 
@@ -140,7 +145,7 @@ Status MPManager::ExecWork(const WorkRequest& request) {
   };
   log.Add(LogFunction::kMPWork, LogKind::kStarted, LogLevel::kInfo);
   record(LogKind::kStarted, Status::kSuccess);
-  const Status appended = AppendWork(work, log);
+  const Status appended = AppendWork(work, Caller::kWaits, log);
   if (appended != Status::kSuccess) return appended;
   record(LogKind::kStep1, Status::kSuccess);
   const Status status = Await(work, LogFunction::kManagerExecWork, log);
@@ -157,7 +162,7 @@ Status MPManager::StartWork(const WorkRequest& request, MPWork*& handle) {
   log.Add(LogFunction::kMPWork, LogKind::kStarted, LogLevel::kInfo);
   log.Add(LogFunction::kManagerStartWork, LogKind::kStarted, LogLevel::kInfo, TypeAndRows(*work));
   handle = work.Get();  // before a worker can see the work: its callback may look for the handle
-  const Status appended = AppendWork(work, log);
+  const Status appended = AppendWork(work, Caller::kGoesOn, log);
   if (appended != Status::kSuccess) {
     handle = nullptr;
     return appended;
@@ -193,7 +198,7 @@ WorkRef MPManager::CreateWork(const WorkRequest& request) {
 }
 
 // Failure without memory, and when the pool is being terminated.
-Status MPManager::AppendWork(const WorkRef& work, LogBatch& log) {
+Status MPManager::AppendWork(const WorkRef& work, Caller caller, LogBatch& log) {
   const LogArguments rows = Rows(*work);
   log.Add(LogFunction::kManagerAppendWork, LogKind::kStarted, LogLevel::kInfo, rows);
   if (CurrentThreads() == 0) SetThreadCount(thread_count_);
@@ -206,7 +211,7 @@ Status MPManager::AppendWork(const WorkRef& work, LogBatch& log) {
     return Status::kSuccess;
   });
   if (queued != Status::kSuccess) return queued;
-  WakeThreads();
+  WakeThreads(caller);
   log.Add(LogFunction::kManagerAppendWork, LogKind::kStep1, LogLevel::kInfo, rows);
   log.Add(LogFunction::kManagerAppendWork, LogKind::kFinished, LogLevel::kInfo, rows);
   return Status::kSuccess;

@@ -81,6 +81,8 @@ class MPManager : public Counted<MPManager> {
     platform::Thread thread;
   };
 
+  enum class Caller : uint8_t { kGoesOn, kWaits };  // after it has woken the threads
+
   ~MPManager();  // after Terminate
 
   int32_t Default() const;
@@ -88,11 +90,11 @@ class MPManager : public Counted<MPManager> {
   void CloseAllThreads();
 
   WorkRef CreateWork(const WorkRequest& request);
-  Status AppendWork(const WorkRef& work, LogBatch& log);
+  Status AppendWork(const WorkRef& work, Caller caller, LogBatch& log);
   bool RemoveWork(Work& work, LogBatch& log);
   void ReleaseWork(const WorkRef& work, LogBatch& log);
   Status Await(const WorkRef& work, LogFunction function, LogBatch& log);
-  void WakeThreads();
+  void WakeThreads(Caller caller);
 
   void ThreadExec(ThreadSlot& slot);
   void ApplyPriority(platform::ThreadPriority& own, int32_t& applied);

@@ -20,6 +20,11 @@ class Event {
   Event& operator=(const Event&) = delete;
 
   void Set() noexcept;
+
+  // Set, by a caller who goes on to wait for the only thread that waits here: that thread may start on the
+  // caller's processor.
+  void SetAndYieldTo(uint32_t waiting_thread_id) noexcept;
+
   void Reset() noexcept;
 
   bool IsSet() const noexcept { return state_.load(std::memory_order_acquire) == kSignalled; }

@@ -27,6 +27,8 @@ void Event::Set() noexcept {
   if (state_.exchange(kSignalled, std::memory_order_acq_rel) == kClear) SetEvent(handle_);
 }
 
+void Event::SetAndYieldTo(uint32_t) noexcept { Set(); }
+
 // Acquires, since whoever resets and then looks has to see all that was done before the last Set.
 void Event::Reset() noexcept {
   ResetEvent(handle_);
