@@ -218,9 +218,14 @@ class Table {
     file.floor = floor;
   }
 
-  // What a call costs whose rows cost nothing.
+  // What a call costs whose rows cost nothing: to threads that are awake, and to threads asleep.
   void AddEmptyCall() {
-    Add("engine/rows/none", On::kPool, 0, {"none", 0}, [](const Job& job) {
+    AddEmptyCall("engine/rows/none");
+    AddEmptyCall("engine/rows/none-rested").rested = true;
+  }
+
+  Conversion& AddEmptyCall(const char* name) {
+    return Add(name, On::kPool, 0, {"none", 0}, [](const Job& job) {
       const auto take_all = [](MPWork* work) {
         int32_t first_row = 0;
         int32_t rows = 0;

@@ -40,6 +40,7 @@ struct Conversion {
   // The same work done plainly, where the limits of the memory are not the measure.
   const char* floor_name = nullptr;
   std::function<void(const Job&)> floor = nullptr;
+  bool rested = false;  // each call comes after a pause in which the pool's threads fall asleep
 
   // Padded targets are measured two pixels narrower than asked: usual widths need no padding.
   Size SizeFor(Size asked) const;

@@ -63,6 +63,8 @@ class Stage {
 
   std::vector<Contestant> Ours() const {
     std::vector<Contestant> ours{{Role::kOurs, "PrismoUtl", [this] { conversion_.run(job_); }}};
+    if (conversion_.rested)
+      ours.front().before = [] { std::this_thread::sleep_for(std::chrono::milliseconds(2)); };
     const Conversion* const caller = row_.workers > 0 ? CallerFormOf(conversion_) : nullptr;
     if (caller) ours.push_back({Role::kCaller, "caller", [this, caller] { caller->run(job_); }});
     return ours;

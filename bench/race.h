@@ -16,6 +16,7 @@ struct Contestant {
   Role role;
   std::string name;
   Step run;
+  Step before = {};                  // each call, and is not timed
   std::vector<double> seconds = {};  // per call, of each round
 
   double Median() const;
