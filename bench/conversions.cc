@@ -63,6 +63,8 @@ class Table {
   void AddRoutine(const std::string& family, const Routine& routine, const Source& source) {
     const auto shift = static_cast<uint8_t>(DataDepth(source.format) - 8);
     for (const Target& target : TargetsOf(routine.bgra)) {
+      // Widths that four pixels divide need no padding.
+      if (target.padded && source.format == PRISMO_YUV411) continue;
       Add(family + '/' + source.name + '/' + target.name, routine.on, source.format, target,
           [call = routine.call, shift, pad = target.padded](const Job& job) {
             return call(job.target, job.source, job.size.width, job.size.height, shift, pad);
