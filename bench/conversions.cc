@@ -49,6 +49,7 @@ class Table {
     AddSynthesis();
     AddFiles();
     AddEmptyCall();
+    AddRecording();
     return std::move(conversions_);
   }
 
@@ -238,6 +239,21 @@ class Table {
       return ExecWork1(take_all, 0, job.size.height - 1, job.source, job.size.width, job.size.height, 1, 0,
                        job.target, 1, 0, 0, 0, kShrinkingEvenBlocks);
     });
+  }
+
+  // A conversion that records all that it does, beside one that records nothing.
+  void AddRecording() {
+    Conversion& logged = Add("engine/RG8/BGRA-logged", On::kPool, PRISMO_BAYER_RG8, {"BGRA", PRISMO_BGRA8},
+                             [](const Job& job) { return ConvertAtLogLevel(kLogDebug, job); });
+    logged.floor_name = "unlogged";
+    logged.floor = [](const Job& job) { ConvertAtLogLevel(kLogFatal, job); };
+  }
+
+  static constexpr uint32_t kLogDebug = 0, kLogFatal = 4;
+
+  static uint32_t ConvertAtLogLevel(uint32_t level, const Job& job) {
+    SetMPLogLevel(level);
+    return ByrRG8ToBGRA_MP(job.target, job.source, job.size.width, job.size.height);
   }
 
   std::vector<Conversion> conversions_;
