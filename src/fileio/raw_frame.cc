@@ -1,5 +1,6 @@
 #include "fileio/raw_frame.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <fstream>
@@ -18,6 +19,16 @@ uint32_t RawRowBytes(PixelFormat format, uint32_t width) {
   const uint32_t bytes = (BitsPerPixel(format) * width) >> 3;
   const bool padded = format == PixelFormat::kBgr8Padded || format == PixelFormat::kMono8Padded;
   return padded ? (bytes + 3) / 4 * 4 : bytes;
+}
+
+// In pieces: a system may touch all the memory that it is asked to fill, and some take no more than 2 GiB at
+// once.
+void Read(std::istream& file, uint8_t* to, size_t bytes) {
+  constexpr size_t kPiece = 16 << 20;
+  for (size_t done = 0; done < bytes && file; done += kPiece) {
+    file.read(reinterpret_cast<char*>(to + done),
+              static_cast<std::streamsize>(std::min(kPiece, bytes - done)));
+  }
 }
 
 void StoreIfAsked(uint32_t* out, uint32_t value) {
@@ -54,12 +65,9 @@ Status LoadRawFrame(const char* path, uint8_t** buffer, const RawFrameHeaderOut&
     std::ifstream file;
     if (path != nullptr) file.open(path, std::ios::binary);
     if (!file.is_open()) return Status::kFileOpenError;
-    const auto read = [&file](uint8_t* to, size_t bytes) {
-      file.read(reinterpret_cast<char*>(to), static_cast<std::streamsize>(bytes));
-    };
 
     HeaderBytes bytes{};  // what a short file lacks counts as zero
-    read(bytes.data(), bytes.size());
+    Read(file, bytes.data(), bytes.size());
     const uint32_t height = LoadLittleEndian32(&bytes[8]);
     const uint32_t row_bytes = LoadLittleEndian32(&bytes[12]);
     StoreIfAsked(header.format, LoadLittleEndian32(&bytes[0]));
@@ -74,7 +82,7 @@ Status LoadRawFrame(const char* path, uint8_t** buffer, const RawFrameHeaderOut&
       *buffer = static_cast<uint8_t*>(platform::AllocatePages(frame_bytes, platform::PageUse::kFrame));
       if (*buffer == nullptr) return Status::kFileReadError;
     }
-    read(*buffer, frame_bytes);
+    Read(file, *buffer, frame_bytes);
     return Status::kSuccess;
   });
 }

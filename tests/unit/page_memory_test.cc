@@ -38,7 +38,7 @@ TEST(PageMemory, BlocksAreApart) {
 
 // Address space would run out long before the loop does, were the pages not given back.
 TEST(PageMemory, IsGivenBack) {
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < 10000; ++i) {
     void* pages = AllocatePages(size_t{1} << 34);
     if (!pages) GTEST_SKIP() << "the system does not promise 16 GiB";
     FreePages(pages);

@@ -1,5 +1,6 @@
 #include "platform/output_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -15,8 +16,13 @@ struct OutputFile::State {
   size_t used = 0;
   std::array<uint8_t, 256 * 1024> gathered;
 
+  // In pieces: the C library writes less than 2 GiB at once.
   void Put(const void* data, size_t bytes) {
-    stream.write(static_cast<const char*>(data), static_cast<std::streamsize>(bytes));
+    constexpr size_t kPiece = 1 << 30;
+    for (size_t done = 0; done < bytes; done += kPiece) {
+      stream.write(static_cast<const char*>(data) + done,
+                   static_cast<std::streamsize>(std::min(kPiece, bytes - done)));
+    }
   }
 
   void Flush() {
