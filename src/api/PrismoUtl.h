@@ -886,7 +886,8 @@ PRISMO_API uint32_t SaveBmpMonoStrm(const void* image, uint32_t width, uint32_t 
 /**
  * JPEG files. SaveJpeg and SaveJpegQ encode BGR (layout 1) or BGRA (any other layout) images, SaveJpegRaw and
  * SaveJpegRQ camera frames of any supported format. Quality 0 to 100; the forms without it use the encoder's
- * default.
+ * default. On Windows the encoder takes BGR rows of a multiple of 4 bytes only: widths that are no
+ * multiple of 4 go there as BGRA.
  *
  * UTL_STS_INVALID_PARAMETER: null pointer, empty frame, unsupported format, quality out of range, a Bayer
  * frame of odd width or height. UTL_STS_TIMEOUT: SaveJpegRaw and SaveJpegRQ convert the frame on the pool in

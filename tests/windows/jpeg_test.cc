@@ -74,6 +74,16 @@ TEST_F(Jpeg, ShowsTheBgrPicture) {
   ExpectFileShows(picture, 3);
 }
 
+// The encoder refuses a bitmap over rows that do not begin at multiples of four bytes.
+TEST_F(Jpeg, BgrRowsAreAMultipleOfFourBytes) {
+  for (const uint32_t width : {60u, 61u, 62u, 63u}) {
+    const auto picture = Picture(3, width);
+    const uint32_t expected = width % 4 == 0 ? UTL_STS_SUCCESS : UTL_STS_INVALID_PARAMETER;
+    EXPECT_EQ(SaveJpeg(picture.data(), 1, width, kHeight, path_.c_str()), expected) << width;
+    EXPECT_EQ(SaveJpegQ(picture.data(), 1, 90, width, kHeight, path_.c_str()), expected) << width;
+  }
+}
+
 TEST_F(Jpeg, ShowsTheCameraFrame) {
   const auto picture = Picture(4, kWidth);
   ASSERT_EQ(SaveJpegRaw(picture.data(), PRISMO_BGRA8, kWidth, kHeight, path_.c_str()), UTL_STS_SUCCESS);
