@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -39,6 +40,10 @@ int32_t NiceOfThread(uint32_t thread_id) {
   errno = 0;
   const int nice = getpriority(PRIO_PROCESS, thread_id);
   return errno == 0 ? nice : kNoNiceValue;
+}
+
+std::chrono::milliseconds ProcessorTime() {
+  return std::chrono::milliseconds(std::clock() / (CLOCKS_PER_SEC / 1000));
 }
 
 ThreadLimit::ThreadLimit(int32_t threads) { threads_allowed = threads; }

@@ -1,6 +1,7 @@
 // What the system knows about this process's threads.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 namespace prismo::mp {
@@ -13,6 +14,9 @@ inline constexpr int32_t kNoNiceValue = -100;
 
 // Nice value of a thread; kNoNiceValue when there is no such thread, or where threads have none.
 int32_t NiceOfThread(uint32_t thread_id);
+
+// What all threads of this process have spent on processors.
+std::chrono::milliseconds ProcessorTime();
 
 // While it exists, only this many more threads can be made.
 class ThreadLimit {

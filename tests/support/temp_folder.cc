@@ -33,8 +33,9 @@ void WriteFile(const std::string& path, const Bytes& content) {
 }
 
 std::string ReadText(const std::string& path) {
-  const Bytes content = ReadFile(path);
-  return {content.begin(), content.end()};
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error("cannot read " + path);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void WriteText(const std::string& path, std::string_view content) {

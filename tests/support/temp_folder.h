@@ -27,6 +27,7 @@ class TempFolder {
 Bytes ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const Bytes& content);
 
+// With the line ends of text files, whatever they are on this system.
 std::string ReadText(const std::string& path);
 void WriteText(const std::string& path, std::string_view content);
 

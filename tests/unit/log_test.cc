@@ -56,12 +56,12 @@ class LogTest : public testing::Test {
   }
 
   static SavedLog ReadSaved(const std::string& path) {
-    const std::string bytes = ReadText(path);
+    const test::Bytes bytes = test::ReadFile(path);
     SavedLog saved;
     LogFileHeaderBytes header{};
     EXPECT_GE(bytes.size(), header.size());
     std::memcpy(header.data(), bytes.data(), std::min(bytes.size(), header.size()));
-    saved.mark = bytes.substr(0, 8);
+    saved.mark.assign(bytes.begin(), bytes.begin() + 8);
     saved.header = DecodeLogHeader(header);
     saved.records.resize((bytes.size() - header.size()) / sizeof(LogRecord));
     EXPECT_EQ(bytes.size(), header.size() + saved.records.size() * sizeof(LogRecord));
@@ -205,8 +205,8 @@ TEST_F(LogTest, HeaderAndNameOfASavedLog) {
   EXPECT_EQ(saved.header.version, (std::array<uint8_t, 3>{1, 0, 0}));
   EXPECT_EQ(saved.header.frequency, platform::TickFrequency());
   EXPECT_EQ(saved.header.cores, std::min(platform::ProcessorCount(), 255));
-  const std::string bytes = ReadText(SavedFiles().front());
-  EXPECT_EQ(bytes.substr(11, 9), std::string(9, '\0'));
+  const test::Bytes bytes = test::ReadFile(SavedFiles().front());
+  EXPECT_TRUE(std::all_of(bytes.begin() + 11, bytes.begin() + 20, [](uint8_t byte) { return byte == 0; }));
 
   const std::string name = std::filesystem::path(SavedFiles().front()).filename().string();
   const platform::LocalTime& date = saved.header.date;

@@ -32,4 +32,14 @@ bool WorkerThreadsAre(int32_t count) {
 
 int32_t NiceOfThread(uint32_t) { return kNoNiceValue; }
 
+std::chrono::milliseconds ProcessorTime() {
+  // In units of 100 nanoseconds.
+  const auto units = [](const FILETIME& time) {
+    return static_cast<int64_t>(uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
+  };
+  FILETIME created, ended, kernel, user;
+  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+  return std::chrono::milliseconds((units(kernel) + units(user)) / 10'000);
+}
+
 }  // namespace prismo::mp
