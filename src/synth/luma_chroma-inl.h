@@ -2,16 +2,13 @@
 //
 // Each is the integer part of a sum of products, in thousandths. Doubles come within 1e-13 of the sum, which
 // can only matter where the exact sum is an integer: there the double may lie just below it. So vectors
-// compute with integers, and evaluate the double where the division leaves no remainder and the double is not
-// known to hit the integer.
+// compute with integers and look closer where the division leaves no remainder.
 #if defined(PRISMO_SYNTH_LUMA_CHROMA_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PRISMO_SYNTH_LUMA_CHROMA_INL_H_
 #undef PRISMO_SYNTH_LUMA_CHROMA_INL_H_
 #else
 #define PRISMO_SYNTH_LUMA_CHROMA_INL_H_
 #endif
-
-#include <algorithm>
 
 #include "simd/vectors-inl.h"
 
@@ -37,25 +34,36 @@ constexpr double ChromaVOf(double b, double g, double r) {
 using DI16 = hn::RebindToSigned<D16>;
 using DI32 = hn::RebindToSigned<D32>;
 using DF32 = hn::RebindToFloat<D32>;
+using DF64 = hn::Repartition<double, D32>;
 using VI16 = hn::Vec<DI16>;
 using VI32 = hn::Vec<DI32>;
-using VF32 = hn::Vec<DF32>;
+using MI32 = hn::Mask<DI32>;
 
-// Pixels and sums of pixels are 32-bit lanes, as words: blue and red in one vector, green in another, whose
-// high words do not matter.
-HWY_INLINE void SplitPixels(V32 bgrx, VI16& blue_red, VI16& green) {
-  blue_red = hn::BitCast(DI16(), hn::And(bgrx, hn::Set(D32(), 0x00FF00FF)));
-  green = hn::BitCast(DI16(), hn::ShiftRight<8>(hn::BitCast(D16(), bgrx)));
+// Pixels are 32-bit lanes of bytes B G R x. Sums of pixels are 32-bit lanes of two vectors of words: blue and
+// red, and green, above which anything may stand.
+HWY_INLINE void SplitPixels(V32 pixels, VI16& blue_red, VI16& green) {
+  blue_red = hn::BitCast(DI16(), hn::And(pixels, hn::Set(D32(), 0x00FF00FF)));
+  green = hn::BitCast(DI16(), hn::ShiftRight<8>(hn::BitCast(D16(), pixels)));
 }
 
-HWY_INLINE VI32 LowWords(VI16 v) { return hn::And(hn::BitCast(DI32(), v), hn::Set(DI32(), 0xFFFF)); }
-HWY_INLINE VI32 HighWords(VI16 v) { return hn::ShiftRight<16>(hn::BitCast(DI32(), v)); }
+HWY_INLINE void Channels(VI16 blue_red, VI16 green, VI32& b, VI32& g, VI32& r) {
+  const DI32 d32;
+  b = hn::And(hn::BitCast(d32, blue_red), hn::Set(d32, 0xFFFF));
+  g = hn::And(hn::BitCast(d32, green), hn::Set(d32, 0xFFFF));
+  r = hn::ShiftRight<16>(hn::BitCast(d32, blue_red));
+}
+HWY_INLINE void Channels(V32 pixels, VI32& b, VI32& g, VI32& r) {
+  const DI32 d32;
+  const V32 byte = hn::Set(D32(), 0xFF);
+  b = hn::BitCast(d32, hn::And(pixels, byte));
+  g = hn::BitCast(d32, hn::And(hn::ShiftRight<8>(pixels), byte));
+  r = hn::BitCast(d32, hn::And(hn::ShiftRight<16>(pixels), byte));
+}
 
-// Sums of the products of neighbouring words.
-template <int kLow, int kHigh>
-HWY_INLINE VI32 WeighPairs(VI16 v) {
 #if HWY_ARCH_X86
-  const VI32 weights = hn::Set(DI32(), (kLow & 0xFFFF) | kHigh * 0x10000);
+// Sums of the products of neighbouring words.
+HWY_INLINE VI32 WeighPairs(VI16 v, int low, int high) {
+  const VI32 weights = hn::Set(DI32(), (low & 0xFFFF) | high * 0x10000);
 #if HWY_TARGET <= HWY_AVX3
   return VI32{_mm512_madd_epi16(v.raw, weights.raw)};
 #elif HWY_TARGET == HWY_AVX2
@@ -63,143 +71,217 @@ HWY_INLINE VI32 WeighPairs(VI16 v) {
 #else
   return VI32{_mm_madd_epi16(v.raw, weights.raw)};
 #endif
-#else
+}
+#endif
+
+struct Weights {
+  int b, g, r;
+  int start;  // what the products are added to, a multiple of 8
+};
+
+template <Weights kWeights>
+HWY_INLINE VI32 Weigh(VI16 blue_red, VI16 green) {
   const DI32 d32;
-  const VI32 low = hn::Mul(LowWords(v), hn::Set(d32, kLow));
-  return kHigh == 0 ? low : hn::Add(low, hn::Mul(HighWords(v), hn::Set(d32, kHigh)));
-#endif
-}
-
-HWY_INLINE VI32 Truncate(VF32 v) {
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
-  return VI32{_mm512_cvttps_epi32(v.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return VI32{_mm256_cvttps_epi32(v.raw)};
-#elif HWY_ARCH_X86
-  return VI32{_mm_cvttps_epi32(v.raw)};
+#if HWY_ARCH_X86
+  const VI32 sum = hn::Add(WeighPairs(blue_red, kWeights.b, kWeights.r), WeighPairs(green, kWeights.g, 0));
 #else
-  return hn::ConvertTo(DI32(), v);
+  VI32 b, g, r;
+  Channels(blue_red, green, b, g, r);
+  const VI32 b_g = hn::Add(hn::Mul(b, hn::Set(d32, kWeights.b)), hn::Mul(g, hn::Set(d32, kWeights.g)));
+  const VI32 sum = hn::Add(b_g, hn::Mul(r, hn::Set(d32, kWeights.r)));
+#endif
+  return kWeights.start == 0 ? sum : hn::Add(sum, hn::Set(d32, kWeights.start));
+}
+
+template <Weights kWeights>
+HWY_INLINE VI32 Weigh(V32 pixels) {
+  VI16 blue_red, green;
+  SplitPixels(pixels, blue_red, green);
+  return Weigh<kWeights>(blue_red, green);
+}
+
+// The integer parts of products. Single precision is enough where said.
+HWY_INLINE VI32 TruncatedProduct(VI32 v, float factor) {
+  const auto product = hn::Mul(hn::ConvertTo(DF32(), v), hn::Set(DF32(), factor));
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return VI32{_mm512_cvttps_epi32(product.raw)};
+#elif HWY_TARGET == HWY_AVX2
+  return VI32{_mm256_cvttps_epi32(product.raw)};
+#elif HWY_ARCH_X86
+  return VI32{_mm_cvttps_epi32(product.raw)};
+#else
+  return hn::ConvertTo(DI32(), product);
 #endif
 }
 
-// The integer part of sum / divisor, for twice the sum: one more and it lies so far from integers that single
-// precision cannot reach them. The mask tells where there is no remainder.
+// Quotients of up to 255, and where no remainder is left. The factor is too large by more than single
+// precision errs and by less than takes the largest remainder to the next integer.
 template <int kDivisor>
-HWY_INLINE hn::Mask<DI32> Divide(VI32 twice_sum, VI32& quotient) {
-  const VI32 odd = hn::Add(twice_sum, hn::Set(DI32(), 1));
-  quotient = Truncate(hn::Mul(hn::ConvertTo(DF32(), odd), hn::Set(DF32(), 0.5F / kDivisor)));
-  return hn::Eq(WeighPairs<2 * kDivisor, 0>(hn::BitCast(DI16(), quotient)), twice_sum);
+HWY_INLINE MI32 Divide(VI32 sum, VI32& quotient) {
+  static_assert(kDivisor <= 4000);
+  quotient = TruncatedProduct(sum, static_cast<float>(1.0000005 / kDivisor));
+#if HWY_ARCH_X86
+  return hn::Eq(WeighPairs(hn::BitCast(DI16(), quotient), kDivisor, 0), sum);
+#else
+  return hn::Eq(hn::Mul(quotient, hn::Set(DI32(), kDivisor)), sum);
+#endif
 }
 
 // The integer parts of a sum that is evaluated in doubles.
 template <class Sum>
-HWY_INLINE VI32 InDoubles(VI16 blue_red, VI16 green, const Sum& sum) {
-  const hn::Repartition<double, D32> df;
+HWY_INLINE VI32 InDoubles(VI32 b, VI32 g, VI32 r, const Sum& sum) {
+  const DF64 df;
   const hn::Half<DI32> half;
-  const VI32 b = LowWords(blue_red), g = LowWords(green), r = HighWords(blue_red);
-  const auto part = [&](auto of) PRISMO_INLINE {
-    return hn::DemoteTo(half,
-                        sum(hn::PromoteTo(df, of(b)), hn::PromoteTo(df, of(g)), hn::PromoteTo(df, of(r))));
-  };
-  return hn::Combine(DI32(), part([&](VI32 v) PRISMO_INLINE { return hn::UpperHalf(half, v); }),
-                     part([&](VI32 v) PRISMO_INLINE { return hn::LowerHalf(half, v); }));
+  const auto low = sum(hn::PromoteTo(df, hn::LowerHalf(half, b)), hn::PromoteTo(df, hn::LowerHalf(half, g)),
+                       hn::PromoteTo(df, hn::LowerHalf(half, r)));
+  const auto high = sum(hn::PromoteTo(df, hn::UpperHalf(half, b)), hn::PromoteTo(df, hn::UpperHalf(half, g)),
+                        hn::PromoteTo(df, hn::UpperHalf(half, r)));
+  return hn::Combine(DI32(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
 }
 
-HWY_INLINE VI32 LumaInDoubles(VI16 blue_red, VI16 green, double scale) {
-  const hn::Repartition<double, D32> df;
-  return InDoubles(blue_red, green, [&](auto b, auto g, auto r) PRISMO_INLINE {
-    return hn::Add(hn::Add(hn::Mul(hn::Set(df, 0.114 * scale), b), hn::Mul(hn::Set(df, 0.587 * scale), g)),
-                   hn::Mul(hn::Set(df, 0.299 * scale), r));
+HWY_INLINE VI32 LumaInDoubles(V32 pixels, double scale) {
+  VI32 b, g, r;
+  Channels(pixels, b, g, r);
+  return InDoubles(b, g, r, [&](auto blue, auto green, auto red) PRISMO_INLINE {
+    const DF64 df;
+    const auto blue_green =
+        hn::Add(hn::Mul(hn::Set(df, 0.114 * scale), blue), hn::Mul(hn::Set(df, 0.587 * scale), green));
+    return hn::Add(blue_green, hn::Mul(hn::Set(df, 0.299 * scale), red));
   });
 }
 
 template <int kPixels>
-HWY_INLINE VI32 ChromaUInDoubles(VI16 blue_red, VI16 green) {
-  const hn::Repartition<double, D32> df;
-  return InDoubles(blue_red, green, [&](auto b, auto g, auto r) PRISMO_INLINE {
-    const auto b_g =
-        hn::Sub(hn::Mul(hn::Set(df, 0.5 / kPixels), b), hn::Mul(hn::Set(df, 0.331 / kPixels), g));
-    return hn::Add(hn::Sub(b_g, hn::Mul(hn::Set(df, 0.169 / kPixels), r)), hn::Set(df, 128.0));
+HWY_INLINE VI32 ChromaUInDoubles(VI32 b, VI32 g, VI32 r) {
+  return InDoubles(b, g, r, [](auto blue, auto green, auto red) PRISMO_INLINE {
+    const DF64 df;
+    const auto blue_green =
+        hn::Sub(hn::Mul(hn::Set(df, 0.5 / kPixels), blue), hn::Mul(hn::Set(df, 0.331 / kPixels), green));
+    return hn::Add(hn::Sub(blue_green, hn::Mul(hn::Set(df, 0.169 / kPixels), red)), hn::Set(df, 128.0));
   });
 }
 
-#if HWY_MAX_BYTES >= 32
-// Grey pixels leave no remainder, all of them: a bit for each grey whose luma lies below it.
-struct DarkerGreys {
-  alignas(64) uint32_t bits[kLanes / 4];
+// A set of bytes.
+struct ByteSet {
+  alignas(16) uint8_t bits[32];
 
-  constexpr DarkerGreys() : bits{} {
-    for (uint32_t v = 0; v < 256; ++v) bits[v / 32] |= uint32_t{LumaOf(v, v, v) < v} << v % 32;
+  template <class Contains>
+  explicit constexpr ByteSet(const Contains& contains) : bits{} {
+    for (int v = 0; v < 256; ++v) bits[v / 8] |= static_cast<uint8_t>(uint8_t{contains(v)} << v % 8);
   }
 };
 
-// Corrects the luma of grey pixels.
-HWY_INLINE VI32 DarkenGreys(VI32 luma, hn::Mask<DI32> grey) {
-  static constexpr DarkerGreys kDarker;
-  const D32 d32;
-  const V32 grey_luma = hn::IfThenElseZero(hn::RebindMask(d32, grey), hn::BitCast(d32, luma));
-  const auto word = hn::IndicesFromVec(d32, hn::ShiftRight<5>(grey_luma));
-  const V32 bits = hn::TableLookupLanes(hn::Load(d32, kDarker.bits), word);
-  const V32 bit = hn::And(hn::Shr(bits, hn::And(grey_luma, hn::Set(d32, 31))), hn::Set(d32, 1));
-  return hn::Sub(luma, hn::IfThenElseZero(grey, hn::BitCast(DI32(), bit)));
+// Not zero where a byte is in the set.
+HWY_INLINE V8 InSet(V8 v, const ByteSet& set) {
+  const D8 d8;
+  alignas(16) static constexpr uint8_t kBits[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+  const V8 eighth = hn::ShiftRight<3>(v);
+  const V8 low = hn::TableLookupBytes(hn::LoadDup128(d8, set.bits), eighth);
+  const V8 high = hn::TableLookupBytes(hn::LoadDup128(d8, set.bits + 16), hn::And(eighth, hn::Set(d8, 15)));
+  const V8 row = hn::IfThenElse(hn::Lt(v, hn::Set(d8, 128)), low, high);
+  return hn::And(row, hn::TableLookupBytes(hn::LoadDup128(d8, kBits), hn::And(v, hn::Set(d8, 7))));
 }
-#endif
 
-HWY_INLINE VI32 Luma(VI16 blue_red, VI16 green) {
+// All grey pixels have integer sums. These are the greys whose luma lies below them.
+inline constexpr ByteSet kDarkerGreys([](int v) { return LumaOf(v, v, v) < v; });
+
+HWY_INLINE MI32 GreyPixels(V32 pixels) {
+  const V32 differences = hn::And(hn::Xor(pixels, hn::ShiftRight<8>(pixels)), hn::Set(D32(), 0xFFFF));
+  return hn::Eq(hn::BitCast(DI32(), differences), hn::Zero(DI32()));
+}
+
+inline constexpr Weights kLumaWeights{114, 587, 299, 0};
+
+// Lanes of up to 8 bits as bytes. 128-bit block q takes what the blocks q of its arguments hold, one after
+// the other.
+HWY_INLINE V8 PackBytes(const VI32 (&v)[4]) {
+  const VI16 low = hn::ReorderDemote2To(DI16(), v[0], v[1]);
+  const VI16 high = hn::ReorderDemote2To(DI16(), v[2], v[3]);
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  return V8{_mm512_packus_epi16(low.raw, high.raw)};
+#elif HWY_TARGET == HWY_AVX2
+  return V8{_mm256_packus_epi16(low.raw, high.raw)};
+#elif HWY_ARCH_X86
+  return V8{_mm_packus_epi16(low.raw, high.raw)};
+#else
+  const hn::Half<D8> half;
+  return hn::Combine(D8(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+#endif
+}
+
+// Lumas of four vectors of pixels, packed.
+HWY_INLINE V8 LumaBytes(const V32 (&pixels)[4]) {
   const DI32 d32;
-  VI32 luma;
-  const auto whole =
-      Divide<1000>(hn::Add(WeighPairs<2 * 114, 2 * 299>(blue_red), WeighPairs<2 * 587, 0>(green)), luma);
-  if (hn::AllFalse(d32, whole)) return luma;
-#if HWY_MAX_BYTES >= 32
-  const VI32 g = LowWords(green);
-  const auto grey = hn::And(hn::Eq(LowWords(blue_red), g), hn::Eq(HighWords(blue_red), g));
-  if (hn::AllFalse(d32, hn::AndNot(grey, whole))) return DarkenGreys(luma, grey);
-#endif
-  return LumaInDoubles(blue_red, green, 1);
-}
+  const D8 d8;
+  VI32 luma[4];
+  MI32 whole[4];
+  for (size_t i = 0; i < 4; ++i) whole[i] = Divide<1000>(Weigh<kLumaWeights>(pixels[i]), luma[i]);
+  if (hn::AllFalse(d32, hn::Or(hn::Or(whole[0], whole[1]), hn::Or(whole[2], whole[3]))))
+    return PackBytes(luma);
 
-// With equal green and red, which grey pixels have, the doubles miss integers between these greens only.
-template <int kPixels>
-struct DoubtfulGreens {
-  int first = 255 * kPixels, last = 0;
-
-  constexpr DoubtfulGreens() {
-    for (int v = 0; v <= 255 * kPixels; ++v) {
-      if (ChromaUOf<kPixels>(v, v, v) >= 128) continue;
-      first = std::min(first, v);
-      last = v;
+  VI32 one_if_grey[4];
+  for (size_t i = 0; i < 4; ++i) {
+    const MI32 grey = GreyPixels(pixels[i]);
+    one_if_grey[i] = hn::IfThenElseZero(grey, hn::Set(d32, 1));
+    if (!hn::AllFalse(d32, hn::AndNot(grey, whole[i]))) {
+      luma[i] = LumaInDoubles(pixels[i], 1);
+      one_if_grey[i] = hn::Zero(d32);
     }
   }
-};
-
-template <int kPixels>
-HWY_INLINE VI32 ChromaU(VI16 blue_red, VI16 green) {
-  const DI32 d32;
-  VI32 u;
-  const VI32 twice_sum =
-      hn::Add(hn::Add(WeighPairs<2 * 500, -2 * 169>(blue_red), WeighPairs<-2 * 331, 0>(green)),
-              hn::Set(d32, 2 * 128000 * kPixels));
-  const auto whole = Divide<1000 * kPixels>(twice_sum, u);
-  if (hn::AllFalse(d32, whole)) return u;
-  constexpr DoubtfulGreens<kPixels> kDoubtful;
-  const VI32 g = LowWords(green);
-  const auto doubtful =
-      hn::And(hn::Gt(g, hn::Set(d32, kDoubtful.first - 1)), hn::Lt(g, hn::Set(d32, kDoubtful.last + 1)));
-  const auto sure = hn::AndNot(doubtful, hn::Eq(g, HighWords(blue_red)));
-  if (hn::AllFalse(d32, hn::AndNot(sure, whole))) return u;
-  return ChromaUInDoubles<kPixels>(blue_red, green);
+  const V8 bytes = PackBytes(luma);
+  const auto darker = hn::Ne(InSet(bytes, kDarkerGreys), hn::Zero(d8));
+  return hn::Sub(bytes, hn::IfThenElseZero(darker, PackBytes(one_if_grey)));
 }
 
-// The doubles of V never lie below an integer.
-template <int kPixels>
-HWY_INLINE VI32 ChromaV(VI16 blue_red, VI16 green) {
+// Luma of 16 bits, of which fewer can be taken.
+HWY_INLINE VI32 LumaWords(V32 pixels) {
   const DI32 d32;
+  const VI32 sum = Weigh<kLumaWeights>(pixels);
+  VI32 luma = TruncatedProduct(sum, 0.256F);  // exact for all sums
+  const MI32 whole = hn::Eq(hn::Mul(luma, hn::Set(d32, 125)), hn::ShiftLeft<5>(sum));
+  if (hn::AllFalse(d32, whole)) return luma;
+  const MI32 grey = GreyPixels(pixels);
+  if (!hn::AllFalse(d32, hn::AndNot(grey, whole))) return LumaInDoubles(pixels, 256);
+  const VI32 darker = hn::BitCast(d32, InSet(hn::BitCast(D8(), hn::ShiftRight<8>(luma)), kDarkerGreys));
+  return hn::Sub(luma, hn::IfThenElseZero(hn::And(grey, hn::Ne(darker, hn::Zero(d32))), hn::Set(d32, 1)));
+}
+
+template <int kPixels>
+inline constexpr Weights kUWeights{500, -331, -169, 128000 * kPixels};
+template <int kPixels>
+inline constexpr Weights kVWeights{-81, -419, 500, 128000 * kPixels};
+
+// Where green equals red, the double lies below an integer for these greens, unless there is more blue. None
+// of them is below an offset, which brings them into bytes.
+template <int kPixels>
+inline constexpr int kLowerUOffset = 255 * (kPixels - 1);
+template <int kPixels>
+inline constexpr ByteSet kLowerU([](int v) {
+  const int green = v + kLowerUOffset<kPixels>;
+  return ChromaUOf<kPixels>(green, green, green) < 128;
+});
+
+// U of pixels, or of sums of kPixels pixels.
+template <int kPixels, class... Source>
+HWY_INLINE VI32 ChromaU(const Source&... source) {
+  const DI32 d32;
+  VI32 u;
+  const MI32 whole = Divide<1000 * kPixels>(Weigh<kUWeights<kPixels>>(source...), u);
+  if (hn::AllFalse(d32, whole)) return u;
+
+  VI32 b, g, r;
+  Channels(source..., b, g, r);
+  if (!hn::AllFalse(d32, hn::AndNot(hn::Eq(g, r), whole))) return ChromaUInDoubles<kPixels>(b, g, r);
+  const V16 green = hn::SaturatedSub(hn::BitCast(D16(), g), hn::Set(D16(), kLowerUOffset<kPixels>));
+  const VI32 lower = hn::BitCast(d32, InSet(hn::BitCast(D8(), green), kLowerU<kPixels>));
+  const MI32 known = hn::AndNot(hn::Gt(b, g), hn::Ne(lower, hn::Zero(d32)));
+  return hn::Sub(u, hn::IfThenElseZero(hn::And(whole, known), hn::Set(d32, 1)));
+}
+
+// V, whose doubles never lie below an integer.
+template <int kPixels, class... Source>
+HWY_INLINE VI32 ChromaV(const Source&... source) {
   VI32 v;
-  Divide<1000 * kPixels>(
-      hn::Add(hn::Add(WeighPairs<-2 * 81, 2 * 500>(blue_red), WeighPairs<-2 * 419, 0>(green)),
-              hn::Set(d32, 2 * 128000 * kPixels)),
-      v);
+  Divide<1000 * kPixels>(Weigh<kVWeights<kPixels>>(source...), v);
   return v;
 }
 

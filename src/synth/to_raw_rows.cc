@@ -100,7 +100,8 @@ struct ToMonoN : Target<kPixelBytes, 1, 2> {
   template <StoreKind>
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
     for (size_t i = 0; i < kPart; ++i, from += kPixelBytes) {
-      const auto word = static_cast<uint16_t>(LumaOf(from[0], from[1], from[2], 1 << this->extra_bits));
+      const double scale = 1 << this->extra_bits;
+      const auto word = static_cast<uint16_t>(LumaOf(from[0], from[1], from[2], scale));
       std::memcpy(to + 2 * i, &word, 2);
     }
   }
@@ -143,19 +144,17 @@ struct BgrToLanes {
 
 // Vector kVector of the pixels that start at `from`.
 template <size_t kPixelBytes, size_t kVector>
-HWY_INLINE void LoadPixels(const uint8_t* from, VI16& blue_red, VI16& green) {
-  V8 pixels;
+HWY_INLINE V32 LoadPixels(const uint8_t* from) {
   if constexpr (kPixelBytes == 4) {
-    pixels = hn::LoadU(D8(), from + kVector * kLanes);
+    return hn::BitCast(D32(), hn::LoadU(D8(), from + kVector * kLanes));
   } else {
     constexpr size_t kVectors = kPart / kLanes32;
-    pixels = Rearranged<BgrToLanes, kVector % kVectors>(from + kVector / kVectors * BgrToLanes::kIn);
+    const uint8_t* part = from + kVector / kVectors * BgrToLanes::kIn;
+    return hn::BitCast(D32(), Rearranged<BgrToLanes, kVector % kVectors>(part));
   }
-  SplitPixels(hn::BitCast(D32(), pixels), blue_red, green);
 }
 
-// Packing puts into 128-bit block q what the blocks q of its arguments hold, one after the other. This brings
-// what came from vectors that follow each other back into order, kPieces pieces from each block.
+// Brings packed vectors that follow each other back into order: kPieces pieces from each 128-bit block.
 template <size_t kPieces>
 HWY_INLINE V8 InOrder(V8 packed) {
   constexpr size_t kBlocks = kLanes / 16;
@@ -176,22 +175,6 @@ HWY_INLINE V8 InOrder(V8 packed) {
   }
 }
 
-// Lanes of up to 8 bits as bytes, out of order.
-HWY_INLINE V8 PackBytes(const VI32 (&v)[4]) {
-  const VI16 low = hn::ReorderDemote2To(DI16(), v[0], v[1]);
-  const VI16 high = hn::ReorderDemote2To(DI16(), v[2], v[3]);
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-  return V8{_mm512_packus_epi16(low.raw, high.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return V8{_mm256_packus_epi16(low.raw, high.raw)};
-#elif HWY_ARCH_X86
-  return V8{_mm_packus_epi16(low.raw, high.raw)};
-#else
-  const hn::Half<D8> half;
-  return hn::Combine(D8(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
-#endif
-}
-
 // Sums of neighbouring 32-bit lanes, out of order as packed ones are.
 HWY_INLINE VI16 AddNeighbours(VI16 a, VI16 b) {
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
@@ -210,50 +193,47 @@ HWY_INLINE VI16 AddNeighbours(VI16 a, VI16 b) {
   return hn::Add(even, odd);
 }
 
-// The pixels of four vectors, whose samples one vector of bytes holds: vectors 4 kStep and following.
+// The pixels whose samples one vector of bytes holds: vectors 4 kStep and following.
 template <size_t kPixelBytes, size_t kStep>
-HWY_INLINE void LoadStep(const uint8_t* from, VI16 (&blue_red)[4], VI16 (&green)[4]) {
-  LoadPixels<kPixelBytes, 4 * kStep>(from, blue_red[0], green[0]);
-  LoadPixels<kPixelBytes, 4 * kStep + 1>(from, blue_red[1], green[1]);
-  LoadPixels<kPixelBytes, 4 * kStep + 2>(from, blue_red[2], green[2]);
-  LoadPixels<kPixelBytes, 4 * kStep + 3>(from, blue_red[3], green[3]);
+HWY_INLINE void LoadStep(const uint8_t* from, V32 (&pixels)[4]) {
+  pixels[0] = LoadPixels<kPixelBytes, 4 * kStep>(from);
+  pixels[1] = LoadPixels<kPixelBytes, 4 * kStep + 1>(from);
+  pixels[2] = LoadPixels<kPixelBytes, 4 * kStep + 2>(from);
+  pixels[3] = LoadPixels<kPixelBytes, 4 * kStep + 3>(from);
 }
 
-HWY_INLINE V8 LumaBytes(const VI16 (&blue_red)[4], const VI16 (&green)[4]) {
-  VI32 luma[4];
-  for (size_t i = 0; i < 4; ++i) luma[i] = Luma(blue_red[i], green[i]);
-  return PackBytes(luma);
+// Sums of neighbouring pixels.
+HWY_INLINE void AddPairs(const V32 (&pixels)[4], VI16 (&blue_red)[2], VI16 (&green)[2]) {
+  for (size_t i = 0; i < 2; ++i) {
+    VI16 blue_red0, green0, blue_red1, green1;
+    SplitPixels(pixels[2 * i], blue_red0, green0);
+    SplitPixels(pixels[2 * i + 1], blue_red1, green1);
+    blue_red[i] = AddNeighbours(blue_red0, blue_red1);
+    green[i] = AddNeighbours(green0, green1);
+  }
 }
 
 template <size_t kPixelBytes>
 struct ToMono8 : Target<kPixelBytes, 1, 1> {
   template <StoreKind kStores, size_t kStep = 0>
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    VI16 blue_red[4], green[4];
-    LoadStep<kPixelBytes, kStep>(from, blue_red, green);
-    Put<kStores>(InOrder<4>(LumaBytes(blue_red, green)), D8(), to + kStep * kLanes);
+    V32 pixels[4];
+    LoadStep<kPixelBytes, kStep>(from, pixels);
+    Put<kStores>(InOrder<4>(LumaBytes(pixels)), D8(), to + kStep * kLanes);
     if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
   }
 };
 
 template <size_t kPixelBytes>
 struct ToMonoN : Target<kPixelBytes, 1, 2> {
-  // In doubles at once: with more bits so many sums are integers that to compute with integers first would
-  // not pay.
   template <StoreKind kStores, size_t kVector = 0>
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    const double scale = 1 << this->extra_bits;
-    const V16 words = hn::ConcatEven(D16(), Words<kVector + 1>(from, scale), Words<kVector>(from, scale));
-    Put<kStores>(hn::BitCast(D8(), words), D8(), to + kVector / 2 * kLanes);
+    const VI32 low = LumaWords(LoadPixels<kPixelBytes, kVector>(from));
+    const VI32 high = LumaWords(LoadPixels<kPixelBytes, kVector + 1>(from));
+    const V16 words = hn::ConcatEven(D16(), hn::BitCast(D16(), high), hn::BitCast(D16(), low));
+    const V16 samples = hn::ShiftRightSame(words, 8 - static_cast<int>(this->extra_bits));
+    Put<kStores>(hn::BitCast(D8(), samples), D8(), to + kVector / 2 * kLanes);
     if constexpr ((kVector + 2) * kLanes32 < kPart) Block<kStores, kVector + 2>(to, from, x);
-  }
-
- private:
-  template <size_t kVector>
-  static HWY_INLINE V16 Words(const uint8_t* from, double scale) {
-    VI16 blue_red, green;
-    LoadPixels<kPixelBytes, kVector>(from, blue_red, green);
-    return hn::BitCast(D16(), LumaInDoubles(blue_red, green, scale));
   }
 };
 
@@ -277,16 +257,15 @@ template <size_t kPixelBytes>
 struct ToYuv444 : Target<kPixelBytes, 1, 3> {
   template <StoreKind kStores, size_t kStep = 0>
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    VI16 blue_red[4], green[4];
-    LoadStep<kPixelBytes, kStep>(from, blue_red, green);
+    V32 pixels[4];
+    LoadStep<kPixelBytes, kStep>(from, pixels);
     VI32 u[4], v[4];
     for (size_t i = 0; i < 4; ++i) {
-      u[i] = ChromaU<1>(blue_red[i], green[i]);
-      v[i] = ChromaV<1>(blue_red[i], green[i]);
+      u[i] = ChromaU<1>(pixels[i]);
+      v[i] = ChromaV<1>(pixels[i]);
     }
     const BgrSink sink{to + 3 * kLanes * kStep};
-    sink.Store<kStores>(0, InOrder<4>(PackBytes(u)), InOrder<4>(LumaBytes(blue_red, green)),
-                        InOrder<4>(PackBytes(v)));
+    sink.Store<kStores>(0, InOrder<4>(PackBytes(u)), InOrder<4>(LumaBytes(pixels)), InOrder<4>(PackBytes(v)));
     if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
   }
 };
@@ -295,23 +274,21 @@ template <size_t kPixelBytes>
 struct ToYuv422 : Target<kPixelBytes, 2, 4> {
   template <StoreKind kStores, size_t kStep = 0>
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    VI16 blue_red[4], green[4];
-    LoadStep<kPixelBytes, kStep>(from, blue_red, green);
-    VI32 u[2], v[2];
-    for (size_t i = 0; i < 2; ++i) {
-      const VI16 pair_blue_red = AddNeighbours(blue_red[2 * i], blue_red[2 * i + 1]);
-      const VI16 pair_green = AddNeighbours(green[2 * i], green[2 * i + 1]);
-      u[i] = ChromaU<2>(pair_blue_red, pair_green);
-      v[i] = ChromaV<2>(pair_blue_red, pair_green);
-    }
+    V32 pixels[4];
+    LoadStep<kPixelBytes, kStep>(from, pixels);
+    VI16 blue_red[2], green[2];
+    AddPairs(pixels, blue_red, green);
     const DI16 d16;
     const D8 d8;
-    const VI16 uv = hn::Or(hn::ReorderDemote2To(d16, u[0], u[1]),
-                           hn::ShiftLeft<8>(hn::ReorderDemote2To(d16, v[0], v[1])));
-    const V8 luma = LumaBytes(blue_red, green);  // in the same order
+    const VI16 u =
+        hn::ReorderDemote2To(d16, ChromaU<2>(blue_red[0], green[0]), ChromaU<2>(blue_red[1], green[1]));
+    const VI16 v =
+        hn::ReorderDemote2To(d16, ChromaV<2>(blue_red[0], green[0]), ChromaV<2>(blue_red[1], green[1]));
+    const V8 uv = hn::BitCast(d8, hn::Or(u, hn::ShiftLeft<8>(v)));
+    const V8 luma = LumaBytes(pixels);  // in the same order
     uint8_t* at = to + 2 * kLanes * kStep;
-    Put<kStores>(InOrder<2>(hn::InterleaveLower(d8, hn::BitCast(d8, uv), luma)), d8, at);
-    Put<kStores>(InOrder<2>(hn::InterleaveUpper(d8, hn::BitCast(d8, uv), luma)), d8, at + kLanes);
+    Put<kStores>(InOrder<2>(hn::InterleaveLower(d8, uv, luma)), d8, at);
+    Put<kStores>(InOrder<2>(hn::InterleaveUpper(d8, uv, luma)), d8, at + kLanes);
     if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
   }
 };
@@ -338,13 +315,13 @@ struct ToYuv411 : Target<kPixelBytes, 4, 6, 2 * kPart> {
   // Lumas of one step, and U and V of its groups as the low bytes of 32-bit lanes.
   template <size_t kStep>
   static HWY_INLINE void Quads(const uint8_t* from, V8& luma, V32& uv) {
-    VI16 blue_red[4], green[4];
-    LoadStep<kPixelBytes, kStep>(from, blue_red, green);
-    luma = InOrder<4>(LumaBytes(blue_red, green));
-    const VI16 quad_blue_red =
-        AddNeighbours(AddNeighbours(blue_red[0], blue_red[1]), AddNeighbours(blue_red[2], blue_red[3]));
-    const VI16 quad_green =
-        AddNeighbours(AddNeighbours(green[0], green[1]), AddNeighbours(green[2], green[3]));
+    V32 pixels[4];
+    LoadStep<kPixelBytes, kStep>(from, pixels);
+    luma = InOrder<4>(LumaBytes(pixels));
+    VI16 blue_red[2], green[2];
+    AddPairs(pixels, blue_red, green);
+    const VI16 quad_blue_red = AddNeighbours(blue_red[0], blue_red[1]);
+    const VI16 quad_green = AddNeighbours(green[0], green[1]);
     const VI32 u = ChromaU<4>(quad_blue_red, quad_green), v = ChromaV<4>(quad_blue_red, quad_green);
     uv = hn::BitCast(D32(), InOrder<4>(hn::BitCast(D8(), hn::Or(u, hn::ShiftLeft<8>(v)))));
   }
