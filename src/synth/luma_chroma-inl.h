@@ -10,6 +10,8 @@
 #define PRISMO_SYNTH_LUMA_CHROMA_INL_H_
 #endif
 
+#include <bit>
+
 #include "simd/vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -61,9 +63,17 @@ HWY_INLINE void Channels(V32 pixels, VI32& b, VI32& g, VI32& r) {
 }
 
 #if HWY_ARCH_X86
+HWY_INLINE VI32 PairWeights(int low, int high) { return hn::Set(DI32(), (low & 0xFFFF) | high * 0x10000); }
+
+#if HWY_TARGET <= HWY_AVX3_DL
+// Adds sums of the products of neighbouring words. The target has the instruction, GCC is not told so.
+HWY_INLINE void AddWeighedPairs(VI32& sum, VI16 v, int low, int high) {
+  asm("vpdpwssd %2, %1, %0" : "+v"(sum.raw) : "v"(v.raw), "v"(PairWeights(low, high).raw));
+}
+#else
 // Sums of the products of neighbouring words.
 HWY_INLINE VI32 WeighPairs(VI16 v, int low, int high) {
-  const VI32 weights = hn::Set(DI32(), (low & 0xFFFF) | high * 0x10000);
+  const VI32 weights = PairWeights(low, high);
 #if HWY_TARGET <= HWY_AVX3
   return VI32{_mm512_madd_epi16(v.raw, weights.raw)};
 #elif HWY_TARGET == HWY_AVX2
@@ -73,15 +83,24 @@ HWY_INLINE VI32 WeighPairs(VI16 v, int low, int high) {
 #endif
 }
 #endif
+#endif
 
 struct Weights {
   int b, g, r;
-  int start;  // what the products are added to, a multiple of 8
+  int start;  // what the products are added to
+
+  constexpr Weights StartingLater(int by) const { return {b, g, r, start + by}; }
 };
 
 template <Weights kWeights>
 HWY_INLINE VI32 Weigh(VI16 blue_red, VI16 green) {
   const DI32 d32;
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+  VI32 sum = hn::Set(d32, kWeights.start);
+  AddWeighedPairs(sum, green, kWeights.g, 0);
+  AddWeighedPairs(sum, blue_red, kWeights.b, kWeights.r);
+  return sum;
+#else
 #if HWY_ARCH_X86
   const VI32 sum = hn::Add(WeighPairs(blue_red, kWeights.b, kWeights.r), WeighPairs(green, kWeights.g, 0));
 #else
@@ -91,6 +110,7 @@ HWY_INLINE VI32 Weigh(VI16 blue_red, VI16 green) {
   const VI32 sum = hn::Add(b_g, hn::Mul(r, hn::Set(d32, kWeights.r)));
 #endif
   return kWeights.start == 0 ? sum : hn::Add(sum, hn::Set(d32, kWeights.start));
+#endif
 }
 
 template <Weights kWeights>
@@ -114,16 +134,46 @@ HWY_INLINE VI32 TruncatedProduct(VI32 v, float factor) {
 #endif
 }
 
-// Quotients of up to 255, and where no remainder is left. The factor is too large by more than single
-// precision errs and by less than takes the largest remainder to the next integer.
+// Division in single precision: between 256 and 512 its bits are nine of integer part and kFractionBits of
+// fraction. Fractions of sums without a remainder are less than kLeast; a bias keeps them there, as it keeps
+// the others at kLeast or more and below one, however the product is rounded.
 template <int kDivisor>
-HWY_INLINE MI32 Divide(VI32 sum, VI32& quotient) {
-  static_assert(kDivisor <= 4000);
-  quotient = TruncatedProduct(sum, static_cast<float>(1.0000005 / kDivisor));
-#if HWY_ARCH_X86
-  return hn::Eq(WeighPairs(hn::BitCast(DI16(), quotient), kDivisor, 0), sum);
+struct Division {
+  static constexpr int kFractionBits = 15, kOne = 1 << kFractionBits;
+  static constexpr int kLeast = static_cast<int>(std::bit_floor(static_cast<unsigned>(kOne / kDivisor)));
+  static constexpr int kRemainderMask = kOne - kLeast;
+  static constexpr float kFactor = static_cast<float>(1.0 / kDivisor);
+#if HWY_NATIVE_FMA
+  // The sum in the low bits of a float that large is the float's offset from it.
+  static constexpr double kOffset = 0x1p23;
 #else
-  return hn::Eq(hn::Mul(quotient, hn::Set(DI32(), kDivisor)), sum);
+  static constexpr double kOffset = 0;
+#endif
+  static constexpr double kZero = 256 - kOffset * kFactor;
+  static constexpr float kStart = static_cast<float>(kZero + kLeast / 2.0 / kOne);
+  static constexpr double kBias = (kStart - kZero) * kOne;
+  static_assert(kBias > 1 && kBias < kLeast - 1);  // the product is off by half a bit, rounding by another
+  static_assert(kLeast * kDivisor < kOne);
+};
+
+// Quotients of up to 255, in the low bytes of words, and where no remainder is left.
+template <int kDivisor, Weights kWeights, class... Source>
+HWY_INLINE MI32 Divide(VI32& quotient, const Source&... source) {
+  using Rule = Division<kDivisor>;
+  const DI32 d32;
+  const DF32 df;
+#if HWY_NATIVE_FMA
+  const auto dividend = hn::BitCast(df, Weigh<kWeights.StartingLater(0x4B000000)>(source...));
+#else
+  const auto dividend = hn::ConvertTo(df, Weigh<kWeights>(source...));
+#endif
+  const auto product = hn::MulAdd(dividend, hn::Set(df, -Rule::kFactor), hn::Set(df, -Rule::kStart));
+  const VI32 bits = hn::BitCast(d32, product), remainder_mask = hn::Set(d32, Rule::kRemainderMask);
+  quotient = hn::ShiftRight<Rule::kFractionBits>(bits);  // a word, as the product is negative
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  return MI32{_mm512_testn_epi32_mask(bits.raw, remainder_mask.raw)};
+#else
+  return hn::Eq(hn::And(bits, remainder_mask), hn::Zero(d32));
 #endif
 }
 
@@ -191,11 +241,13 @@ HWY_INLINE MI32 GreyPixels(V32 pixels) {
 
 inline constexpr Weights kLumaWeights{114, 587, 299, 0};
 
-// Lanes of up to 8 bits as bytes. 128-bit block q takes what the blocks q of its arguments hold, one after
-// the other.
+// The low bytes of words in 32-bit lanes. 128-bit block q takes what the blocks q of its arguments hold, one
+// after the other.
 HWY_INLINE V8 PackBytes(const VI32 (&v)[4]) {
-  const VI16 low = hn::ReorderDemote2To(DI16(), v[0], v[1]);
-  const VI16 high = hn::ReorderDemote2To(DI16(), v[2], v[3]);
+  const DI16 d16;
+  const VI16 byte = hn::Set(d16, 0xFF);
+  const VI16 low = hn::And(hn::ReorderDemote2To(d16, v[0], v[1]), byte);
+  const VI16 high = hn::And(hn::ReorderDemote2To(d16, v[2], v[3]), byte);
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
   return V8{_mm512_packus_epi16(low.raw, high.raw)};
 #elif HWY_TARGET == HWY_AVX2
@@ -214,9 +266,9 @@ HWY_INLINE V8 LumaBytes(const V32 (&pixels)[4]) {
   const D8 d8;
   VI32 luma[4];
   MI32 whole[4];
-  for (size_t i = 0; i < 4; ++i) whole[i] = Divide<1000>(Weigh<kLumaWeights>(pixels[i]), luma[i]);
-  if (hn::AllFalse(d32, hn::Or(hn::Or(whole[0], whole[1]), hn::Or(whole[2], whole[3]))))
-    return PackBytes(luma);
+  for (size_t i = 0; i < 4; ++i) whole[i] = Divide<1000, kLumaWeights>(luma[i], pixels[i]);
+  const MI32 any_whole = hn::Or(hn::Or(whole[0], whole[1]), hn::Or(whole[2], whole[3]));
+  if (HWY_LIKELY(hn::AllFalse(d32, any_whole))) return PackBytes(luma);
 
   VI32 one_if_grey[4];
   for (size_t i = 0; i < 4; ++i) {
@@ -260,13 +312,13 @@ inline constexpr ByteSet kLowerU([](int v) {
   return ChromaUOf<kPixels>(green, green, green) < 128;
 });
 
-// U of pixels, or of sums of kPixels pixels.
+// U, in the low bytes of words, of pixels or of sums of kPixels pixels.
 template <int kPixels, class... Source>
 HWY_INLINE VI32 ChromaU(const Source&... source) {
   const DI32 d32;
   VI32 u;
-  const MI32 whole = Divide<1000 * kPixels>(Weigh<kUWeights<kPixels>>(source...), u);
-  if (hn::AllFalse(d32, whole)) return u;
+  const MI32 whole = Divide<1000 * kPixels, kUWeights<kPixels>>(u, source...);
+  if (HWY_LIKELY(hn::AllFalse(d32, whole))) return u;
 
   VI32 b, g, r;
   Channels(source..., b, g, r);
@@ -277,11 +329,11 @@ HWY_INLINE VI32 ChromaU(const Source&... source) {
   return hn::Sub(u, hn::IfThenElseZero(hn::And(whole, known), hn::Set(d32, 1)));
 }
 
-// V, whose doubles never lie below an integer.
+// V, in the low bytes as well, whose doubles never lie below an integer.
 template <int kPixels, class... Source>
 HWY_INLINE VI32 ChromaV(const Source&... source) {
   VI32 v;
-  Divide<1000 * kPixels>(Weigh<kVWeights<kPixels>>(source...), v);
+  Divide<1000 * kPixels, kVWeights<kPixels>>(v, source...);
   return v;
 }
 

@@ -284,7 +284,7 @@ struct ToYuv422 : Target<kPixelBytes, 2, 4> {
         hn::ReorderDemote2To(d16, ChromaU<2>(blue_red[0], green[0]), ChromaU<2>(blue_red[1], green[1]));
     const VI16 v =
         hn::ReorderDemote2To(d16, ChromaV<2>(blue_red[0], green[0]), ChromaV<2>(blue_red[1], green[1]));
-    const V8 uv = hn::BitCast(d8, hn::Or(u, hn::ShiftLeft<8>(v)));
+    const V8 uv = hn::BitCast(d8, hn::OrAnd(hn::ShiftLeft<8>(v), u, hn::Set(d16, 0xFF)));
     const V8 luma = LumaBytes(pixels);  // in the same order
     uint8_t* at = to + 2 * kLanes * kStep;
     Put<kStores>(InOrder<2>(hn::InterleaveLower(d8, uv, luma)), d8, at);
@@ -323,7 +323,8 @@ struct ToYuv411 : Target<kPixelBytes, 4, 6, 2 * kPart> {
     const VI16 quad_blue_red = AddNeighbours(blue_red[0], blue_red[1]);
     const VI16 quad_green = AddNeighbours(green[0], green[1]);
     const VI32 u = ChromaU<4>(quad_blue_red, quad_green), v = ChromaV<4>(quad_blue_red, quad_green);
-    uv = hn::BitCast(D32(), InOrder<4>(hn::BitCast(D8(), hn::Or(u, hn::ShiftLeft<8>(v)))));
+    uv = hn::BitCast(D32(),
+                     InOrder<4>(hn::BitCast(D8(), hn::OrAnd(hn::ShiftLeft<8>(v), u, hn::Set(DI32(), 0xFF)))));
   }
 };
 
