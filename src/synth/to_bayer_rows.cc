@@ -1,16 +1,15 @@
 #include "synth/to_bayer_rows.h"
 
 #include <algorithm>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "synth/to_bayer_rows.cc"
-#include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"
 // After foreach_target.h.
 #include "hwy/highway.h"
 #include "simd/pieces-inl.h"
 #include "simd/target_tables.h"
+#include "synth/block_run-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
@@ -100,65 +99,24 @@ struct Depths {
   }
 };
 
-inline constexpr size_t kLine = 64;
-inline constexpr size_t kBlock = 64;  // pixels: whole lines of either kind of sample
-inline constexpr size_t kPrefetchAhead = 1024;
-
 template <class Depths, size_t kSamples>
 struct RowMaker {
   using RowPicker = Picker<Depths::kRule.from_bytes, kSamples>;
-  static constexpr size_t kOutBytes = Depths::kRule.to_bytes;
-  static constexpr size_t kPixelBytes = RowPicker::kPixelBytes;
+  static constexpr size_t kBlock = 64;  // whole lines of either kind of sample
+  static constexpr size_t kGroup = 1;
 
   RowPicker from_even, from_odd;  // for blocks that start at even and at odd columns
 
   RowMaker(int32_t even_channel, int32_t odd_channel)
       : from_even(even_channel, odd_channel), from_odd(odd_channel, even_channel) {}
 
+  static constexpr size_t InBytes(size_t pixels) { return RowPicker::kPixelBytes * pixels; }
+  static constexpr size_t OutBytes(size_t pixels) { return Depths::kRule.to_bytes * pixels; }
+
   template <StoreKind kStores>
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
     for (size_t i = 0; i < kBlock; i += Depths::kPixels) {
-      Depths::template Make<kStores>(to + kOutBytes * i, from + kPixelBytes * i,
-                                     x % 2 ? from_odd : from_even);
-    }
-  }
-
-  // Pixels first .. first + count - 1 of the block at column x.
-  HWY_INLINE void Part(uint8_t* dst, const uint8_t* src, size_t x, size_t first, size_t count) const {
-    alignas(64) uint8_t block[kOutBytes * kBlock];
-    Block<StoreKind::kCached>(block, src + kPixelBytes * x, x);
-    std::memcpy(dst + kOutBytes * (x + first), block + kOutBytes * first, kOutBytes * count);
-  }
-
-  HWY_INLINE void ShortRow(uint8_t* dst, const uint8_t* src, size_t width) const {
-    alignas(64) uint8_t row[kPixelBytes * kBlock] = {};
-    std::memcpy(row, src, kPixelBytes * width);
-    Part(dst, row, 0, 0, width);
-  }
-
-  template <StoreKind kStores>
-  HWY_INLINE void Row(uint8_t* dst, const uint8_t* src, size_t width) const {
-    if (width < kBlock) return ShortRow(dst, src, width);
-    size_t x = 0;
-    if constexpr (kStores == StoreKind::kStreaming) {
-      const size_t head = (0 - reinterpret_cast<uintptr_t>(dst)) % kLine;
-      if (head % kOutBytes != 0) return Row<StoreKind::kCached>(dst, src, width);
-      x = head / kOutBytes;
-      Part(dst, src, 0, 0, x);
-    }
-    for (; x + kBlock <= width; x += kBlock) {
-      const uint8_t* from = src + kPixelBytes * x;
-      if constexpr (kStores == StoreKind::kStreaming) {
-        for (size_t i = 0; i < kPixelBytes * kBlock; i += kLine) hwy::Prefetch(from + i + kPrefetchAhead);
-      }
-      Block<kStores>(dst + kOutBytes * x, from, x);
-    }
-    if (x == width) return;
-    const size_t last = width - kBlock;
-    if constexpr (kStores == StoreKind::kStreaming) {
-      Part(dst, src, last, x - last, width - x);
-    } else {
-      Block<kStores>(dst + kOutBytes * last, src + kPixelBytes * last, last);
+      Depths::template Make<kStores>(to + OutBytes(i), from + InBytes(i), x % 2 ? from_odd : from_even);
     }
   }
 };
@@ -169,7 +127,7 @@ void Make(uint8_t* dst, const uint8_t* src, size_t pitch, const SiteChannels& ch
   const RowMaker<Depths, kSamples> rows[2] = {{channels.top_left, channels.top_right},
                                               {channels.bottom_left, channels.bottom_right}};
   for (size_t y = 0; y < height; ++y) {
-    rows[y % 2].template Row<kStores>(dst + Depths::kRule.to_bytes * width * y, src + pitch * y, width);
+    MakeRun<kStores>(rows[y % 2], dst + Depths::kRule.to_bytes * width * y, src + pitch * y, width);
   }
 }
 
