@@ -42,6 +42,29 @@ HWY_INLINE VSite ClampToByte(VSite v) {
   return hn::Min(hn::Max(v, hn::Zero(DSite())), hn::Set(DSite(), 255));
 }
 
+// Blocks of sites clamped to bytes: `sites` at the odd columns or the even ones, `others` at the rest.
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+// Packing clamps, a byte permute then spreads the sites.
+HWY_INLINE __m512i SpreadEven() { return _mm512_set4_epi32(0x0F070E06, 0x0D050C04, 0x0B030A02, 0x09010800); }
+HWY_INLINE V8 WithSites(V8 others, VSite sites, bool odd) {
+  const __m512i packed = _mm512_packus_epi16(sites.raw, sites.raw);
+  const __mmask64 where = odd ? 0xAAAAAAAAAAAAAAAA : 0x5555555555555555;
+  return V8{_mm512_mask_shuffle_epi8(others.raw, where, packed, SpreadEven())};
+}
+HWY_INLINE V8 TwoSites(VSite sites, VSite others, bool odd) {
+  const __m512i packed =
+      odd ? _mm512_packus_epi16(others.raw, sites.raw) : _mm512_packus_epi16(sites.raw, others.raw);
+  return V8{_mm512_shuffle_epi8(packed, SpreadEven())};
+}
+#else
+HWY_INLINE V8 WithSites(V8 others, VSite sites, bool odd) {
+  return hn::IfThenElse(GreenSites(D8(), !odd), SiteBytes(ClampToByte(sites), FirstSite(odd)), others);
+}
+HWY_INLINE V8 TwoSites(VSite sites, VSite others, bool odd) {
+  return WithSites(SiteBytes(ClampToByte(others), FirstSite(!odd)), sites, odd);
+}
+#endif
+
 // 2 a - b - c
 HWY_INLINE VSite Laplacian(VSite a, VSite b, VSite c) { return hn::Sub(hn::Sub(hn::Add(a, a), b), c); }
 
@@ -57,13 +80,13 @@ HWY_INLINE VSite Adaptive(VSite a1, VSite a2, VSite a_laplacian, VSite b1, VSite
   // Twice the better one, or the sum of both.
   const VSite twice = hn::Add(hn::IfThenElse(hn::Gt(a_gradient, b_gradient), b, a),
                               hn::IfThenElse(hn::Gt(b_gradient, a_gradient), a, b));
-  return ClampToByte(hn::ShiftRight<3>(twice));
+  return hn::ShiftRight<3>(twice);
 }
 
 // The colour of neighbours a and b at a green site, as their mean difference to green.
 HWY_INLINE VSite AtGreen(VSite green, VSite a, VSite b, VSite a_green, VSite b_green) {
   const VSite sum = hn::Add(hn::Add(a, b), green);
-  return ClampToByte(hn::ShiftRight<2>(hn::Sub(hn::Sub(hn::Add(sum, sum), a_green), b_green)));
+  return hn::ShiftRight<2>(hn::Sub(hn::Sub(hn::Add(sum, sum), a_green), b_green));
 }
 
 template <bool kBorder>
@@ -76,7 +99,8 @@ HWY_INLINE V8 GreenBlock(const uint8_t* const (&lines)[5], size_t x, uint32_t wi
   const VSite west = site(2, -1), east = site(2, 1);
   const VSite vertical = Laplacian(own, site(0, 0), site(4, 0));
   const VSite horizontal = Laplacian(own, site(2, -2), site(2, 2));
-  V8 green = SiteBytes(Adaptive(north, south, vertical, west, east, horizontal), first);
+  V8 green = WithSites(hn::LoadU(D8(), lines[2]), Adaptive(north, south, vertical, west, east, horizontal),
+                       starts_green);
   if constexpr (kBorder) {
     const VSite along = hn::Add(north, south);
     const VSite cross = hn::ShiftRight<2>(hn::Add(along, hn::Add(west, east)));
@@ -84,8 +108,9 @@ HWY_INLINE V8 GreenBlock(const uint8_t* const (&lines)[5], size_t x, uint32_t wi
     const V8 outermost = SiteBytes(hn::ShiftRight<1>(along), first);
     green = hn::IfThenElse(OutsideColumns(D8(), x, {2, width - 2}), second, green);
     green = hn::IfThenElse(OutsideColumns(D8(), x, {1, width - 1}), outermost, green);
+    green = hn::IfThenElse(GreenSites(D8(), starts_green), hn::LoadU(D8(), lines[2]), green);
   }
-  return hn::IfThenElse(GreenSites(D8(), starts_green), hn::LoadU(D8(), lines[2]), green);
+  return green;
 }
 
 void Green(const GreenLines& info, const BayerRow& row, uint8_t* greens) {
@@ -112,23 +137,25 @@ HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, uint32_t
   const VSite north = site(0, at_green, 0), south = site(2, at_green, 0);
   const VSite west = site(1, at_green, -1), east = site(1, at_green, 1);
   const VSite own_green = site(1, at_green, 0);
-  V8 horizontal =
-      SiteBytes(AtGreen(own_green, west, east, site(4, at_green, -1), site(4, at_green, 1)), at_green);
-  V8 vertical =
-      SiteBytes(AtGreen(own_green, north, south, site(3, at_green, 0), site(5, at_green, 0)), at_green);
+  const VSite horizontal = AtGreen(own_green, west, east, site(4, at_green, -1), site(4, at_green, 1));
+  const VSite vertical = AtGreen(own_green, north, south, site(3, at_green, 0), site(5, at_green, 0));
 
   const VSite nw = site(0, at_other, -1), ne = site(0, at_other, 1);
   const VSite sw = site(2, at_other, -1), se = site(2, at_other, 1);
   const VSite other_green = site(4, at_other, 0);
   const VSite anti = Laplacian(other_green, site(3, at_other, 1), site(5, at_other, -1));
   const VSite main = Laplacian(other_green, site(3, at_other, -1), site(5, at_other, 1));
-  V8 opposite = SiteBytes(Adaptive(ne, sw, anti, nw, se, main), at_other);
+  const VSite opposite = Adaptive(ne, sw, anti, nw, se, main);
 
+  row_colour = WithSites(hn::LoadU(D8(), lines[1]), horizontal, !starts_green);
+  green = hn::LoadU(D8(), lines[4]);
+  other_colour = TwoSites(vertical, opposite, !starts_green);
   if constexpr (kBorder) {
     // Bilinear: averages over the neighbours inside the frame.
     const auto outside = OutsideColumns(D8(), x, adaptive);
     const auto left_edge = OutsideColumns(D8(), x, {1, width});
     const auto right_edge = OutsideColumns(D8(), x, {0, width - 1});
+    const auto green_sites = GreenSites(D8(), starts_green);
     const auto half = [](VSite a, VSite b) PRISMO_INLINE { return hn::ShiftRight<1>(hn::Add(a, b)); };
     const auto at_edges = [&](VSite inside, VSite west_side, VSite east_side, size_t first) PRISMO_INLINE {
       return hn::IfThenElse(
@@ -136,14 +163,12 @@ HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, uint32_t
           hn::IfThenElse(right_edge, SiteBytes(west_side, first), SiteBytes(inside, first)));
     };
     const VSite diagonal = hn::ShiftRight<2>(hn::Add(hn::Add(nw, ne), hn::Add(sw, se)));
-    horizontal = hn::IfThenElse(outside, at_edges(half(west, east), west, east, at_green), horizontal);
-    vertical = hn::IfThenElse(outside, SiteBytes(half(north, south), at_green), vertical);
-    opposite = hn::IfThenElse(outside, at_edges(diagonal, half(nw, sw), half(ne, se), at_other), opposite);
+    const V8 row_average = at_edges(half(west, east), west, east, at_green);
+    const V8 other_average = hn::IfThenElse(green_sites, SiteBytes(half(north, south), at_green),
+                                            at_edges(diagonal, half(nw, sw), half(ne, se), at_other));
+    row_colour = hn::IfThenElse(hn::And(outside, green_sites), row_average, row_colour);
+    other_colour = hn::IfThenElse(outside, other_average, other_colour);
   }
-  const auto green_sites = GreenSites(D8(), starts_green);
-  row_colour = hn::IfThenElse(green_sites, horizontal, hn::LoadU(D8(), lines[1]));
-  green = hn::LoadU(D8(), lines[4]);
-  other_colour = hn::IfThenElse(green_sites, vertical, opposite);
 }
 
 template <class Sink, StoreKind kStores>
