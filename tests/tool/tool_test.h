@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/formats.h"
 #include "support/generators.h"
 #include "support/temp_folder.h"
 
@@ -16,11 +17,6 @@ struct Outcome {
   int exit_code;
   std::string out;
   std::string err;
-};
-
-struct NamedFormat {
-  std::string name;
-  uint32_t code;
 };
 
 class ToolTest : public testing::Test {
@@ -57,9 +53,5 @@ class ToolTest : public testing::Test {
 
   Random random_{Seed()};
 };
-
-// What `prismo formats` has to list.
-const std::vector<NamedFormat>& AllFormats();
-size_t BytesOfRow(uint32_t code, uint32_t width);
 
 }  // namespace prismo::test
