@@ -14,6 +14,7 @@
 #include "error.h"
 #include "image_files.h"
 #include "options.h"
+#include "png_file.h"
 #include "scene.h"
 
 namespace prismo::tool {
@@ -121,7 +122,7 @@ class Demo {
     const Picture bilinear = Developed(Demosaic::kBilinear), adaptive = Developed(Demosaic::kAdaptive);
     Store("bilinear.png", bilinear, "for a screen, bilinear demosaic");
     Store("adaptive.png", adaptive, "for a screen, adaptive demosaic");
-    Store("bilinear.bmp", bilinear, "the same by the library's BMP writer");
+    if (kHasPng) Store("bilinear.bmp", bilinear, "the same by the library's BMP writer");
     Store("bilinear.jpg", bilinear, "the same by the library's JPEG writer");
     if (frame_.width >= kDetailWidth && frame_.height >= kDetailHeight) {
       Store("detail.png", SideBySide(bilinear, adaptive, detail), "a detail, bilinear beside adaptive");
@@ -129,8 +130,9 @@ class Demo {
   }
 
   void Store(const std::string& name, const Picture& picture, const std::string& description) {
-    const fs::path path = folder_ / name;
-    WritePicture(picture, KindOfOutput(name, ""), kDefaultJpegQuality, files_.emplace_back(path));
+    fs::path path = folder_ / name;
+    if (!kHasPng && path.extension() == ".png") path.replace_extension(".bmp");
+    WritePicture(picture, KindOfOutput(path, ""), kDefaultJpegQuality, files_.emplace_back(path));
     List(path, description);
   }
 

@@ -63,7 +63,18 @@ void WriteBmp(const Picture& picture, const OutputFile& file) {
   }
 }
 
+Picture WithOpacity(const Picture& bgr) {
+  Picture bgra = MakePicture(bgr.width, bgr.height, 4);
+  for (size_t i = 0; i < size_t{bgr.width} * bgr.height; ++i) {
+    std::copy_n(&bgr.bytes[3 * i], 3, &bgra.bytes[4 * i]);
+    bgra.bytes[4 * i + 3] = 255;
+  }
+  return bgra;
+}
+
 void WriteJpeg(const Picture& picture, unsigned quality, const OutputFile& file) {
+  // Not every system's encoder takes rows that do not begin at multiples of 4 bytes.
+  if (picture.channels == 3 && picture.width % 4 != 0) return WriteJpeg(WithOpacity(picture), quality, file);
   if (std::max(picture.width, picture.height) > kMaxJpegSide) {
     throw FileError(file.name(), "a JPEG file holds at most ", kMaxJpegSide, " pixels a side, not ",
                     picture.width, "x", picture.height);

@@ -1,8 +1,5 @@
 #include "output_file.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -10,9 +7,10 @@
 #include <memory>
 #include <set>
 #include <system_error>
-#include <utility>
 
 #include "error.h"
+#include "file_identity.h"
+#include "terminal.h"
 
 namespace prismo::tool {
 namespace {
@@ -20,14 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using CFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-using FileIdentity = std::pair<dev_t, ino_t>;
-
-// Whatever name leads to it.
-std::optional<FileIdentity> IdentityOf(const fs::path& path) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) return {};
-  return FileIdentity(status.st_dev, status.st_ino);
-}
 
 std::set<FileIdentity>& ProtectedInputs() {
   static std::set<FileIdentity> inputs;
@@ -39,9 +29,7 @@ void RequireReplaceable(const fs::path& target, const fs::path& name) {
   const auto identity = IdentityOf(target);
   if (identity && ProtectedInputs().contains(*identity))
     throw FileError(name, "is an input, which stays as it is");
-  if (access(target.c_str(), W_OK) != 0) {
-    throw FileError(name, "cannot be written to: ", std::strerror(errno));
-  }
+  if (!MayBeWritten(target)) throw FileError(name, "cannot be written to: ", std::strerror(errno));
 }
 
 fs::path FolderOf(const fs::path& path) {
@@ -108,6 +96,7 @@ void OutputFile::Commit() {
 void OutputFile::CopyToTarget() const {
   const CFile in(std::fopen(scratch().c_str(), "rb"), &std::fclose);
   if (!in) throw FileError(name_, "the temporary file is gone: ", std::strerror(errno));
+  if (IsStandardOutput(target_)) MakeStandardOutputBinary();
   CFile opened(IsStandardOutput(target_) ? nullptr : std::fopen(target_.string().c_str(), "wb"),
                &std::fclose);
   std::FILE* out = IsStandardOutput(target_) ? stdout : opened.get();

@@ -12,6 +12,9 @@
 #include "raw_input.h"
 
 namespace prismo::tool {
+
+const bool kHasPng = true;
+
 namespace {
 
 // One decoder; errors of the PNG library land in `message` and jump back to the step that failed.
@@ -85,7 +88,7 @@ Picture ReadPng(const std::filesystem::path& path) {
   return picture;
 }
 
-void WritePng(const Picture& picture, const std::string& path, const std::string& name) {
+void WritePng(const Picture& picture, const std::string& path, const std::filesystem::path& name) {
   png_image image{};
   image.version = PNG_IMAGE_VERSION;
   image.width = picture.width;
