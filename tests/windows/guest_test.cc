@@ -46,7 +46,7 @@ TEST_F(Guest, ConvertsAndSavesPictures) {
     EXPECT_EQ(LittleEndian(jpeg, 0, 2), 0xD8FFu);
     EXPECT_EQ(LittleEndian(jpeg, jpeg.size() - 2, 2), 0xD9FFu);
   }
-  EXPECT_EQ(FilesIn(pictures), 2);
+  EXPECT_EQ(FilesIn(pictures), 3);
 }
 
 TEST_F(Guest, WithoutConfigurationNoLogIsSaved) {

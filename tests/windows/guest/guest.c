@@ -15,11 +15,12 @@ static uint8_t frame[kPixels];
 static uint8_t on_caller[4 * kPixels];
 static uint8_t on_pool[4 * kPixels];
 
+/* A slope, which a JPEG file keeps nearly as it is. */
 static void FillFrame(void) {
-  for (int i = 0; i < kPixels; ++i) frame[i] = (uint8_t)(i * 7 + i / kWidth * 3);
+  for (int i = 0; i < kPixels; ++i) frame[i] = (uint8_t)(i % kWidth * 3 + i / kWidth);
 }
 
-/* Converts a frame in both thread forms and saves a JPEG and a BMP in the folder. */
+/* Converts a frame in both thread forms and saves pictures of it in the folder. */
 static int Convert(const char* folder) {
   char path[MAX_PATH];
   FillFrame();
@@ -30,6 +31,8 @@ static int Convert(const char* folder) {
   if (on_caller[3] != 255 || GetMPCount() < 1) return 4;
   strcat(strcpy(path, folder), "\\a picture.jpg");
   if (SaveJpegQ(on_caller, 0, 90, kWidth, kHeight, path) != UTL_STS_SUCCESS) return 5;
+  strcat(strcpy(path, folder), "\\a picture.bmp");
+  if (SaveBmpARGB(on_caller, kWidth, kHeight, path) != UTL_STS_SUCCESS) return 9;
   strcat(strcpy(path, folder), "\\a raw frame.jpg");
   if (SaveJpegRaw(frame, 0x01080009, kWidth, kHeight, path) != UTL_STS_SUCCESS) return 6;
   if (SaveJpegRaw(frame, 0x12345678, kWidth, kHeight, path) != UTL_STS_INVALID_PARAMETER) return 7;
