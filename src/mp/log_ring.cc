@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <thread>
+#include <tuple>
 
 #include "platform/page_memory.h"
 #include "platform/process.h"
@@ -68,19 +69,29 @@ void LogRing::Put(uint64_t number, const LogRecord& record) noexcept {
 }
 
 std::vector<LogRecord> LogRing::Snapshot() const {
-  std::vector<LogRecord> records;
-  records.reserve(capacity_);
-  const uint64_t next = next_.load(std::memory_order_relaxed);
-  for (uint32_t i = 0; i < capacity_; ++i) {
-    Slot& slot = slots_[(next + i) % capacity_];  // from the oldest on
+  struct Found {
     LogRecord record;
-    const uint32_t state = Enter(slot);
-    std::memcpy(static_cast<void*>(&record), slot.record, sizeof(slot.record));
-    Leave(slot, state);
-    if (record.stamp != 0) records.push_back(record);
+    uint64_t number;
+  };
+  std::vector<Found> found;
+  found.reserve(capacity_);
+  for (uint32_t i = 0; i < capacity_; ++i) {
+    Found next{};
+    const uint32_t state = Enter(slots_[i]);
+    std::memcpy(static_cast<void*>(&next.record), slots_[i].record, sizeof(slots_[i].record));
+    Leave(slots_[i], state);
+    next.number = uint64_t{state / 2} * capacity_ + i;
+    if (next.record.stamp != 0) found.push_back(next);
   }
-  // Writers stamp side by side, and may overtake each other between number and stamp.
-  std::ranges::stable_sort(records, {}, &LogRecord::stamp);
+  // Writers stamp side by side, and may overtake each other between number and stamp. A tick is long enough
+  // for several records, and slots change while they are read: of equal stamps the numbers tell which came
+  // first.
+  std::ranges::sort(found, [](const Found& a, const Found& b) {
+    return std::tie(a.record.stamp, a.number) < std::tie(b.record.stamp, b.number);
+  });
+  std::vector<LogRecord> records;
+  records.reserve(found.size());
+  for (const Found& one : found) records.push_back(one.record);
   return records;
 }
 
