@@ -13,6 +13,7 @@ void AddConvertCommand(CLI::App& app);
 void AddMirrorCommand(CLI::App& app);
 void AddMosaicCommand(CLI::App& app);
 void AddCompareCommand(CLI::App& app);
+void AddProbeCommand(CLI::App& app);
 void AddLogCommand(CLI::App& app);
 void AddDemoCommand(CLI::App& app);
 

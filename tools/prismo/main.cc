@@ -20,6 +20,7 @@ int Run(int argc, char** argv) {
   AddMirrorCommand(app);
   AddMosaicCommand(app);
   AddCompareCommand(app);
+  AddProbeCommand(app);
   AddLogCommand(app);
   AddDemoCommand(app);
   RefuseEmptyValues(app);

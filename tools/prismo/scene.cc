@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "PrismoUtl.h"
+#include "lettering.h"
 
 namespace prismo::tool {
 namespace {
@@ -84,39 +85,17 @@ Colour Lines(double x, double y) {
   return along - period * std::floor(along / period) < period / 2 ? kInk : kPaper;
 }
 
-struct Glyph {
-  char letter;
-  std::array<std::string_view, 7> rows;
-};
-constexpr Glyph kGlyphs[] = {
-    {'P', {"####.", "#...#", "#...#", "####.", "#....", "#....", "#...."}},
-    {'R', {"####.", "#...#", "#...#", "####.", "#.#..", "#..#.", "#...#"}},
-    {'I', {".###.", "..#..", "..#..", "..#..", "..#..", "..#..", ".###."}},
-    {'S', {".####", "#....", "#....", ".###.", "....#", "....#", "####."}},
-    {'M', {"#...#", "##.##", "#.#.#", "#.#.#", "#...#", "#...#", "#...#"}},
-    {'O', {".###.", "#...#", "#...#", "#...#", "#...#", "#...#", ".###."}},
-    {'U', {"#...#", "#...#", "#...#", "#...#", "#...#", "#...#", ".###."}},
-    {'T', {"#####", "..#..", "..#..", "..#..", "..#..", "..#..", "..#.."}},
-    {'L', {"#....", "#....", "#....", "#....", "#....", "#....", "#####"}},
-};
 constexpr std::string_view kWord = "PRISMOUTL";
-
-bool Inked(double column, double row) {
-  constexpr int kAdvance = 6;
-  const auto letter = static_cast<size_t>(column / kAdvance);
-  const int x = static_cast<int>(column) % kAdvance, y = static_cast<int>(row);
-  if (letter >= kWord.size() || x >= 5 || y >= 7) return false;
-  const auto* glyph = std::ranges::find(kGlyphs, kWord[letter], &Glyph::letter);
-  return glyph->rows[static_cast<size_t>(y)][static_cast<size_t>(x)] == '#';
-}
 
 // The same word in sizes down to one pixel a dot.
 Colour Writing(double x, double y) {
   double top = kText.top + 20;
   for (const double scale : {6.0, 4.0, 3.0, 2.0, 1.5, 1.0}) {
     const double u = (x - kText.left - 20) / scale, v = (y - top) / scale;
-    if (u >= 0 && v >= 0 && v < 7) return Inked(u, v) ? kInk : kPaper;
-    top += 7 * scale + 22;
+    if (u >= 0 && v >= 0 && v < kLetterHeight) {
+      return Inked(kWord, static_cast<int>(u), static_cast<int>(v)) ? kInk : kPaper;
+    }
+    top += kLetterHeight * scale + 22;
   }
   return kPaper;
 }
