@@ -37,6 +37,25 @@ TEST_F(BatchTest, ABadFileDoesNotStopTheOthers) {
   EXPECT_EQ(std::distance(fs::directory_iterator(Path("out")), fs::directory_iterator()), 2);
 }
 
+TEST_F(BatchTest, SkipsWhatIsThereAndNoOlder) {
+  for (const char* name : {"a", "b", "c"}) MakeFrame(name, PRISMO_MONO8, 8, 8);
+  RunWell("convert a.rwh b.rwh -o out/");
+  WriteText(Path("out/a.bmp"), "as it was");
+  fs::last_write_time(Path("out/b.bmp"), fs::last_write_time(Path("b.rwh")) - std::chrono::seconds(1));
+  const std::string text = RunWell("convert a.rwh b.rwh c.rwh -o out/ --skip-existing");
+  EXPECT_NE(text.find("1 of 3 files are there already"), std::string::npos) << text;
+  EXPECT_NE(text.find("2 of 2 files written"), std::string::npos) << text;
+  EXPECT_EQ(ReadText(Path("out/a.bmp")), "as it was");
+  EXPECT_GT(fs::file_size(Path("out/b.bmp")), 64u);
+
+  EXPECT_EQ(RunWell("convert a.rwh -o out/a.bmp --skip-existing"), "out/a.bmp: is there already\n");
+  EXPECT_EQ(RunWell("convert a.rwh b.rwh c.rwh -o out/ --skip-existing").substr(0, 35),
+            "3 of 3 files are there already\n0 of");
+  RunWell("convert a.rwh -o out/a.bmp");
+  EXPECT_NE(ReadText(Path("out/a.bmp")), "as it was");
+  ExpectFailure("convert none.rwh -o out/none.bmp --skip-existing", {"none.rwh", "no such file"});
+}
+
 TEST_F(BatchTest, AFolderTakesASingleFileToo) {
   MakeFrame("a", PRISMO_MONO8, 8, 8);
   fs::create_directory(Path("out"));

@@ -157,6 +157,8 @@ void AddConvertCommand(CLI::App& app) {
   command->add_option(
       "--as", options->files.kind_name,
       "Kind of output where no extension says it: bmp, png, jpg, bgr, bgra, grey, rwh or raw");
+  command->add_flag("--skip-existing", options->files.skip_existing,
+                    "Leave out inputs whose output is there and no older, as after an interruption");
   options->dump.AddTo(*command);
   command->add_option("--demosaic", options->demosaic, "bilinear (default), adaptive or none");
   command->add_option("--rect", options->rectangle,

@@ -39,6 +39,14 @@ std::vector<fs::path> NamesIn(const fs::path& folder, const std::vector<std::str
   return outputs;
 }
 
+bool IsDone(const fs::path& input, const fs::path& output) {
+  std::error_code error;
+  const fs::file_time_type made = fs::last_write_time(output, error);
+  if (error) return false;
+  const fs::file_time_type wanted = fs::last_write_time(input, error);
+  return !error && made >= wanted;
+}
+
 // One line on a terminal that says how far a batch is; messages go through it so that they do not mix.
 class Progress {
  public:
@@ -87,6 +95,10 @@ bool FileJobs::ToFolder() const {
 void FileJobs::Run(FileKind default_kind, int parallel, const Job& job) const {
   ProtectInputs(inputs);
   if (ToFolder()) return RunInFolder(default_kind, parallel, job);
+  if (skip_existing && IsDone(inputs.front(), output)) {
+    std::cout << output << ": is there already\n";
+    return;
+  }
   const std::string line = RunJob(job, inputs.front(), output, KindOfOutput(output, kind_name));
   (IsStandardOutput(output) ? std::cerr : std::cout) << line << '\n';
 }
@@ -95,11 +107,19 @@ void FileJobs::RunInFolder(FileKind default_kind, int parallel, const Job& job) 
   const FileKind kind = kind_name.empty() ? default_kind : KindOfOutput({}, kind_name);
   const OutputFolder folder(output);
   const std::vector<fs::path> outputs = NamesIn(output, inputs, kind);
+  std::vector<size_t> todo;
+  for (size_t i = 0; i < inputs.size(); ++i) {
+    if (!skip_existing || !IsDone(inputs[i], outputs[i])) todo.push_back(i);
+  }
+  if (todo.size() < inputs.size()) {
+    std::cout << inputs.size() - todo.size() << " of " << inputs.size() << " files are there already\n";
+  }
   const auto start = std::chrono::steady_clock::now();
-  Progress progress(inputs.size());
+  Progress progress(todo.size());
   std::atomic<size_t> next = 0;
   const auto work = [&] {
-    for (size_t i = next++; i < inputs.size(); i = next++) {
+    for (size_t at = next++; at < todo.size(); at = next++) {
+      const size_t i = todo[at];
       try {
         progress.Finished(RunJob(job, inputs[i], outputs[i], kind));
       } catch (const Error& failure) {
@@ -108,16 +128,15 @@ void FileJobs::RunInFolder(FileKind default_kind, int parallel, const Job& job) 
     }
   };
   std::vector<std::thread> threads;
-  for (int i = 1; i < std::min<int>(parallel, static_cast<int>(inputs.size())); ++i)
-    threads.emplace_back(work);
+  for (int i = 1; i < std::min<int>(parallel, static_cast<int>(todo.size())); ++i) threads.emplace_back(work);
   work();
   for (std::thread& thread : threads) thread.join();
 
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  const size_t written = inputs.size() - progress.failed();
-  std::cout << written << " of " << inputs.size() << " files written in " << std::fixed
-            << std::setprecision(2) << seconds.count() << " s\n";
-  if (progress.failed()) throw Error(progress.failed(), " of ", inputs.size(), " files failed");
+  const size_t written = todo.size() - progress.failed();
+  std::cout << written << " of " << todo.size() << " files written in " << std::fixed << std::setprecision(2)
+            << seconds.count() << " s\n";
+  if (progress.failed()) throw Error(progress.failed(), " of ", todo.size(), " files failed");
 }
 
 }  // namespace prismo::tool
