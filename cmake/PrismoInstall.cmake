@@ -34,9 +34,18 @@ endif()
 configure_file(cmake/PrismoUtl.pc.in generated/PrismoUtl.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/generated/PrismoUtl.pc DESTINATION ${pc_folder} COMPONENT development)
 
+set(PRISMO_ZSH_FUNCTIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING "Where zsh looks for completions")
+
 if(TARGET prismo)
   relative_path(libraries ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
   set_target_properties(prismo PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS prismo COMPONENT tools)
   install(FILES tools/prismo/prismo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  if(UNIX)
+    set(completion tools/prismo/completion)
+    install(FILES ${completion}/prismo.bash RENAME prismo
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+    install(FILES ${completion}/_prismo DESTINATION ${PRISMO_ZSH_FUNCTIONS} COMPONENT tools)
+    install(FILES ${completion}/prismo.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tools)
+  endif()
 endif()

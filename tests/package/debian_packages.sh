@@ -21,6 +21,7 @@ trap 'dpkg --purge libprismoutl1-dbgsym "${packages[@]}" &>/dev/null || true; rm
 
 dpkg -i "${debs[@]}" "${symbols[@]}" >"$work/log" 2>&1 || { cat "$work/log" && exit 1; }
 for way in cmake pkg-config tool; do "$here/consume.sh" "$work/$way" "$way"; done
+"$here/completion.sh" /usr
 
 library=$(readlink -f "$(dpkg -L libprismoutl1 | grep '\.so\.1$')")
 id=$(readelf -n "$library" | sed -n 's/.*Build ID: //p')
