@@ -27,8 +27,8 @@ class DemoTest : public ToolTest {
 TEST_F(DemoTest, TheSceneIsTheSameEveryTime) {
   const std::string text = RunWell("demo -o first");
   RunWell("demo -o second");
-  for (const char* name : {"frame.rwh", "mosaic.png", "linear.png", "bilinear.png", "adaptive.png",
-                           "bilinear.bmp", "bilinear.jpg", "detail.png"}) {
+  for (const char* name : {"frame.rwh", "scene.png", "mosaic.png", "linear.png", "bilinear.png",
+                           "adaptive.png", "bilinear.bmp", "bilinear.jpg", "detail.png"}) {
     EXPECT_NE(text.find(std::string("first/") + name), std::string::npos) << text;
     EXPECT_EQ(Content(std::string("first/") + name), Content(std::string("second/") + name)) << name;
   }
@@ -36,6 +36,11 @@ TEST_F(DemoTest, TheSceneIsTheSameEveryTime) {
   EXPECT_NE(text.find("Mpixel/s"), std::string::npos) << text;
   const std::string info = RunWell("info first/frame.rwh");
   EXPECT_NE(info.find("BayerRG12"), std::string::npos) << info;
+
+  // The picture of the scene has the colours of the frame.
+  RunWell("mosaic first/scene.png --format BGR8 -o scene.rwh");
+  RunWell("convert scene.rwh -o scene.bmp");
+  ExpectRightColours("scene.bmp");
 }
 
 TEST_F(DemoTest, AFrameOfTheUser) {

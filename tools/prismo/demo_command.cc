@@ -6,6 +6,7 @@
 #include <iomanip>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <sstream>
 
 #include "commands.h"
@@ -67,9 +68,10 @@ class Demo {
     DevelopFrame(developed_, development);
   }
 
-  // Makes all files, or none of them.
-  void WriteFiles(Point detail) {
+  // Makes all files, or none of them. `scene` is what the frame shows, where that is known.
+  void WriteFiles(const Picture* scene, Point detail) {
     StoreFrame();
+    if (scene) Store("scene.png", *scene, "what the frame shows, with all colours at every pixel");
     StorePictures(detail);
     for (OutputFile& file : files_) file.Commit();
     std::cout << listing_.str();
@@ -167,7 +169,9 @@ class Demo {
 
 void RunDemo(DemoOptions options) {
   const bool own_scene = options.input.empty();
-  Frame frame = own_scene ? RenderScene() : ReadFrame(options.input, options.dump.Layout());
+  std::optional<Scene> scene;
+  if (own_scene) scene = RenderScene();
+  Frame frame = own_scene ? scene->frame : ReadFrame(options.input, options.dump.Layout());
   if (own_scene) options.development.black = kSceneBlackLevel;
   if (frame.format->kind == FormatClass::kBayer) {
     options.development.gain = ParseGain(options.gain);
@@ -183,7 +187,7 @@ void RunDemo(DemoOptions options) {
                      middle.y - std::min(middle.y, kDetailHeight / 2)};
   const OutputFolder folder(options.folder);
   Demo demo(options.folder, options.input, std::move(frame), options.development);
-  demo.WriteFiles(detail);
+  demo.WriteFiles(own_scene ? &scene->picture : nullptr, detail);
   demo.PrintTimings();
 }
 

@@ -12,8 +12,8 @@ namespace prismo::tool {
 
 struct FileJobs {
   std::vector<std::string> inputs;
-  std::string output;     // a file, or a folder when it exists or ends in a separator
-  std::string kind_name;  // what to write, where the name of the output does not say it
+  std::string output;          // a file, or a folder when it exists or ends in a separator
+  std::string kind_name;       // what to write, where the name of the output does not say it
   bool skip_existing = false;  // leave out inputs whose output is there and no older: it is complete
 
   // Writes the result and returns one line about it.

@@ -134,36 +134,45 @@ class Noise {
 };
 
 // The mean over a square a little larger than a pixel, as behind a lens.
-double LightOnSite(uint32_t x, uint32_t y, Channel channel) {
+Colour LightOnSite(uint32_t x, uint32_t y) {
   constexpr int kSteps = 3;
   constexpr double kSpread = 1.3;
-  double sum = 0;
+  Colour sum{};
   for (int i = 0; i < kSteps; ++i) {
     for (int j = 0; j < kSteps; ++j) {
-      sum += Light(x + 0.5 + kSpread * ((i + 0.5) / kSteps - 0.5),
-                   y + 0.5 + kSpread * ((j + 0.5) / kSteps - 0.5))[static_cast<size_t>(channel)];
+      const Colour light = Light(x + 0.5 + kSpread * ((i + 0.5) / kSteps - 0.5),
+                                 y + 0.5 + kSpread * ((j + 0.5) / kSteps - 0.5));
+      for (size_t channel = 0; channel < sum.size(); ++channel) sum[channel] += light[channel];
     }
   }
-  return sum / (kSteps * kSteps);
+  for (double& channel : sum) channel /= kSteps * kSteps;
+  return sum;
+}
+
+uint8_t OnScreen(double light) {
+  return static_cast<uint8_t>(std::lround(255 * std::pow(std::clamp(light, 0.0, 1.0), 1 / 2.2)));
 }
 
 }  // namespace
 
-Frame RenderScene() {
+Scene RenderScene() {
   constexpr Colour kResponse{0.55, 1.0, 0.68};  // of the sensor to the lamp
   constexpr double kElectronsOfFullScale = 10000, kReadNoiseElectrons = 5;
   const Format& format = *FormatByCode(PRISMO_BAYER_RG12);
-  Frame frame{&format, kSceneWidth, kSceneHeight,
-              std::vector<uint8_t>(RowBytes(format, kSceneWidth) * kSceneHeight)};
+  Scene scene{{&format, kSceneWidth, kSceneHeight,
+               std::vector<uint8_t>(RowBytes(format, kSceneWidth) * kSceneHeight)},
+              MakePicture(kSceneWidth, kSceneHeight, 3)};
   const double maximum = MaxSample(format), white = maximum - kSceneBlackLevel;
   Noise noise;
-  auto* at = frame.bytes.data();
+  auto* at = scene.frame.bytes.data();
   for (uint32_t y = 0; y < kSceneHeight; ++y) {
     const RowPattern pattern = PatternOfRow(format, y);
     for (uint32_t x = 0; x < kSceneWidth; ++x, at += 2) {
-      const Channel channel = pattern.channels[x % 2];
-      const double electrons =
-          kElectronsOfFullScale * LightOnSite(x, y, channel) * kResponse[static_cast<size_t>(channel)];
+      const Colour light = LightOnSite(x, y);
+      for (size_t i = 0; i < light.size(); ++i) scene.picture.At(x, y)[2 - i] = OnScreen(light[i]);
+
+      const auto channel = static_cast<size_t>(pattern.channels[x % 2]);
+      const double electrons = kElectronsOfFullScale * light[channel] * kResponse[channel];
       const double noisy =
           electrons + noise.Next() * std::sqrt(electrons + kReadNoiseElectrons * kReadNoiseElectrons);
       const double level = kSceneBlackLevel + noisy * white / kElectronsOfFullScale;
@@ -172,7 +181,7 @@ Frame RenderScene() {
       at[1] = static_cast<uint8_t>(sample >> 8);
     }
   }
-  return frame;
+  return scene;
 }
 
 }  // namespace prismo::tool
