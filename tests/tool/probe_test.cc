@@ -17,17 +17,16 @@ constexpr uint32_t kWidth = 320, kHeight = 240;
 class ProbeTest : public ToolTest {
  protected:
   // A photograph of patches in random colours, or greys.
-  void MakePhoto(const std::string& name, bool coloured) {
-    constexpr uint32_t kPatch = 20;
+  void MakePhoto(const std::string& name, bool coloured, uint32_t patch = 20) {
     std::mt19937 random(Seed());
-    Bytes patches(kWidth / kPatch * kHeight / kPatch * 3);
+    Bytes patches(kWidth / patch * kHeight / patch * 3);
     for (size_t i = 0; i < patches.size(); ++i) {
       patches[i] = !coloured && i % 3 ? patches[i - 1] : static_cast<uint8_t>(30 + random() % 200);
     }
     Bytes photo(size_t{kWidth} * kHeight * 3);
     for (size_t i = 0; i < photo.size(); ++i) {
-      const size_t x = i / 3 % kWidth / kPatch, y = i / 3 / kWidth / kPatch;
-      const int noisy = patches[(y * (kWidth / kPatch) + x) * 3 + i % 3] + static_cast<int>(random() % 7) - 3;
+      const size_t x = i / 3 % kWidth / patch, y = i / 3 / kWidth / patch;
+      const int noisy = patches[(y * (kWidth / patch) + x) * 3 + i % 3] + static_cast<int>(random() % 7) - 3;
       photo[i] = static_cast<uint8_t>(noisy);
     }
     ASSERT_EQ(SaveBmpRGB(photo.data(), kWidth, kHeight, Path(name).c_str()), 0u);
@@ -149,7 +148,7 @@ TEST_F(ProbeTest, CannotTellOfGreyScenes) {
 }
 
 TEST_F(ProbeTest, GreenSitesThatAreNotQuiteAlikeAreNoColour) {
-  MakePhoto("photo.bmp", false);
+  MakePhoto("photo.bmp", false, 80);
   RunWell("mosaic photo.bmp --format BayerRG12 -o f.raw --as raw");
   Bytes frame = Content("f.raw");
   for (size_t i = 0; i < frame.size(); i += 2) {
@@ -160,7 +159,13 @@ TEST_F(ProbeTest, GreenSitesThatAreNotQuiteAlikeAreNoColour) {
     frame[i + 1] = static_cast<uint8_t>(sample >> 8);
   }
   WriteFile(Path("f.raw"), frame);
-  ExpectWords(Probe("f.raw --size 320x240 --format BayerRG12"), {"cannot tell", "no more than green sites"});
+  ExpectWords(Probe("f.raw --size 320x240 --format BayerRG12"), {"green    cannot tell"});
+}
+
+// Lines of two pixels, as in the demo's scene, look alike on both diagonals, wherever they lie.
+TEST_F(ProbeTest, FineLinesDoNotDrownTheEvidence) {
+  RunWell("demo -o demo");
+  ExpectWords(Probe("demo/frame.rwh -o p.bmp"), {PairOf("RG", "12"), "may be right"});
 }
 
 TEST_F(ProbeTest, AMonochromeFrameMayHaveAMosaic) {

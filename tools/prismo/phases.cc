@@ -14,10 +14,9 @@ constexpr uint32_t kTileWidth = 2 * kBlock, kTileHeight = kBlock;
 constexpr uint32_t kMostPlacesASide = 16;
 constexpr unsigned kFewestPlaces = 16;
 constexpr double kSignificance = 0.001;
-// The green sites of one sensor, between red and blue neighbours, may differ by this much of the brightness,
-// and no more than the others by this factor.
+constexpr double kMajority = 0.75;
+// The green sites of one sensor, between red and blue neighbours, may differ by this much of the brightness.
 constexpr double kMismatchOfGreens = 0.05;
-constexpr double kLeastRatio = 2;
 
 // What a block says: how much the second site of a diagonal is above the first, and its brightness.
 struct Block {
@@ -68,24 +67,23 @@ class Samples {
   bool wide_;
 };
 
+// Sums over the tiles of a place: of products of the two blocks of a tile, and their power.
 struct Place {
-  double falling = 0, rising = 0;  // sums of products of the two blocks of a tile
-  double power = 0;                // bounds the difference of the two
-};
+  double falling = 0, rising = 0, brightness = 0;
+  double power = 0;
 
-double Deviation(double mean_product) { return std::sqrt(std::max(0.0, mean_product)); }
+  // From -1 (the rising diagonal is green) to 1 (the falling one is).
+  double Vote() const {
+    const double difference = rising - falling;
+    const double mismatch = kMismatchOfGreens * kMismatchOfGreens * std::max(0.0, brightness);
+    return std::abs(difference) <= mismatch ? 0 : difference / power;
+  }
+};
 
 }  // namespace
 
 Diagonal GreenDiagonal(const Format& bayer) {
   return PatternOfRow(bayer, 0).channels[0] == kGreen ? Diagonal::kFalling : Diagonal::kRising;
-}
-
-double PhaseEvidence::Score(Diagonal green) const {
-  const double all = falling * falling + rising * rising;
-  if (all == 0) return 50;
-  const double coloured = green == Diagonal::kFalling ? rising : falling;
-  return 100 * coloured * coloured / all;
 }
 
 PhaseEvidence ExaminePhases(const Frame& frame) {
@@ -101,20 +99,16 @@ PhaseEvidence ExaminePhases(const Frame& frame) {
     mean += tiles[i][1];
   }
 
-  PhaseEvidence evidence{};
+  PhaseEvidence evidence{0, 0, 0.5, 1, false, false, false};
   const auto blocks = static_cast<double>(2 * tiles.size());
   const uint32_t across = std::min(columns, kMostPlacesASide), down = std::min(rows, kMostPlacesASide);
   evidence.places = across * down;
-  evidence.chance = 1;
   evidence.enough_places = evidence.places >= kFewestPlaces;
-  if (tiles.empty()) return evidence;
 
   // Colour goes on from a block to the one beside it, noise does not: the mean product of the two is the
   // variance of colour alone. What all blocks have in common is no colour of the scene, it may be the
   // sensor's.
   std::vector<Place> places(evidence.places);
-  Place all;
-  double contrast = 0;
   for (size_t i = 0; i < tiles.size(); ++i) {
     Place& place = places[i / columns * down / rows * across + i % columns * across / columns];
     std::array<double, 2> falling, rising, brightness;
@@ -126,31 +120,24 @@ PhaseEvidence ExaminePhases(const Frame& frame) {
     }
     place.falling += falling[0] * falling[1];
     place.rising += rising[0] * rising[1];
-    all.falling += falling[0] * falling[1];
-    all.rising += rising[0] * rising[1];
-    contrast += brightness[0] * brightness[1];
+    place.brightness += brightness[0] * brightness[1];
   }
-  const auto count = static_cast<double>(tiles.size());
-  evidence.falling = Deviation(all.falling / count);
-  evidence.rising = Deviation(all.rising / count);
-  evidence.contrast = Deviation(contrast / count);
 
-  // Every place votes for a diagonal, with a weight up to 1. If none were special, each vote would be as
-  // likely as its opposite, and Hoeffding's inequality would bound the probability of so large a sum of such
-  // votes, whatever the scene and the noise.
-  double sum = 0, squares = 0;
+  // If no diagonal were special, each vote would be as likely as its opposite, and Hoeffding's inequality
+  // would bound the probability of so large a sum of such votes, whatever the scene and the noise.
+  double sum = 0, weight = 0, squares = 0;
   for (const Place& place : places) {
-    const double vote = place.power > 0 ? (place.rising - place.falling) / place.power : 0;
+    const double vote = place.Vote();
+    evidence.voters += vote != 0;
     sum += vote;
+    weight += std::abs(vote);
     squares += vote * vote;
   }
-  if (squares > 0) evidence.chance = std::min(1.0, 2 * std::exp(-sum * sum / squares / 2));
-  evidence.greener = sum >= 0 ? Diagonal::kFalling : Diagonal::kRising;
+  if (evidence.voters == 0) return evidence;
+  evidence.for_falling = (1 + sum / weight) / 2;
+  evidence.chance = std::min(1.0, 2 * std::exp(-sum * sum / squares / 2));
   evidence.beyond_chance = evidence.chance <= kSignificance;
-  const auto [green, coloured] = std::minmax(evidence.falling, evidence.rising);
-  const bool votes_agree = (sum >= 0) == (evidence.rising >= evidence.falling);
-  evidence.beyond_mismatch =
-      votes_agree && coloured > kMismatchOfGreens * evidence.contrast && coloured > kLeastRatio * green;
+  evidence.clear_majority = std::max(evidence.for_falling, 1 - evidence.for_falling) >= kMajority;
   return evidence;
 }
 

@@ -14,23 +14,21 @@ enum class Diagonal {
 Diagonal GreenDiagonal(const Format& bayer);
 
 struct PhaseEvidence {
-  // How much the two sites of each diagonal differ from place to place: a standard deviation in steps of the
-  // samples, without what noise adds to it.
-  double falling, rising;
-  double contrast;   // the standard deviation of the brightness from place to place, in the same steps
-  unsigned places;   // that were compared
-  double chance;     // an upper bound of the probability of such a difference if no diagonal were special
-  Diagonal greener;  // the one whose sites differ less
+  unsigned places;     // that were compared
+  unsigned voters;     // of them, those whose diagonals differ by more than green sites of a sensor may
+  double for_falling;  // the share of the votes' weight for this diagonal's being green
+  double chance;       // an upper bound of the probability of such votes if no diagonal were special
 
   // What it takes to be sure.
-  bool enough_places;
-  bool beyond_chance;
-  bool beyond_mismatch;  // of green sites, which are not quite alike on some sensors
+  bool enough_places, beyond_chance, clear_majority;
+  bool Proves() const { return enough_places && beyond_chance && clear_majority; }
 
-  bool Proves() const { return enough_places && beyond_chance && beyond_mismatch; }
+  Diagonal Green() const { return for_falling >= 0.5 ? Diagonal::kFalling : Diagonal::kRising; }
 
-  // Of the differences, the percentage on the diagonal that this phase calls red and blue: 50 says nothing.
-  double Score(Diagonal green) const;
+  // The percentage of the votes' weight for a phase with this green diagonal; 50 says nothing.
+  double Score(Diagonal green) const {
+    return 100 * (green == Diagonal::kFalling ? for_falling : 1 - for_falling);
+  }
 };
 
 // Of a frame whose samples are one a pixel. Two green sites beside one another see the same light in the same

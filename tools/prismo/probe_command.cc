@@ -93,19 +93,21 @@ void PrintGreen(const Probed& probed, const PhaseEvidence& evidence) {
     std::cout << "cannot tell: the frame is too small, with " << evidence.places << " places to compare\n";
     return;
   }
-  std::ostringstream chance;
-  chance << "chance at most " << std::setprecision(2) << evidence.chance;
-  if (!evidence.beyond_chance) {
-    std::cout << "cannot tell: colours do not differ enough from place to place (" << chance.str() << ")\n";
-  } else if (!evidence.beyond_mismatch) {
-    std::cout << "cannot tell: the diagonals differ by no more than green sites of a sensor may\n";
+  if (evidence.Proves()) {
+    std::cout << Words(evidence.Green()) << ": " << Pair(evidence.Green(), depth) << '\n';
   } else {
-    std::cout << Words(evidence.greener) << ": " << Pair(evidence.greener, depth) << " (" << chance.str()
-              << ")\n";
+    std::cout << "cannot tell: "
+              << (evidence.beyond_chance ? "places disagree"
+                                         : "colours do not differ enough from place to place")
+              << '\n';
   }
-  std::cout << std::fixed << std::setprecision(2) << "         sites differ from place to place by "
-            << evidence.falling << " " << Words(Diagonal::kFalling) << ",\n         by " << evidence.rising
-            << " " << Words(Diagonal::kRising) << ", brightness by " << evidence.contrast << '\n';
+  std::cout << "         " << evidence.voters << " of " << evidence.places << " places vote";
+  if (evidence.voters) {
+    std::cout << ", " << std::lround(evidence.Score(evidence.Green())) << " % of their weight for "
+              << Words(evidence.Green()) << "\n         (by chance with a probability of at most "
+              << std::setprecision(2) << evidence.chance << ")";
+  }
+  std::cout << '\n';
 }
 
 // Whether the format that the frame came with is one of those that the samples prove.
@@ -117,7 +119,7 @@ void PrintVerdict(const Probed& probed, const PhaseEvidence& evidence) {
     std::cout << format.name << " is wrong: the samples have a mosaic\n";
   } else if (!probed.phase_known) {
     std::cout << "nothing says the phase but the samples\n";
-  } else if (GreenDiagonal(format) == evidence.greener) {
+  } else if (GreenDiagonal(format) == evidence.Green()) {
     std::cout << format.name << " may be right: it agrees with the samples\n";
   } else {
     std::cout << format.name << " is wrong: green is on the other diagonal\n";
@@ -212,7 +214,7 @@ Picture DrawPhases(const Frame& frame, const PhaseEvidence& evidence, const Deve
     DevelopFrame(developed, development);
     std::string caption = Text("BAYER", kPhases[i].phase, SampleDepth(*frame.format), "  SCORE ",
                                ScoreText(evidence, *developed.format));
-    if (evidence.Proves() && GreenDiagonal(*developed.format) != evidence.greener) caption += "  WRONG";
+    if (evidence.Proves() && GreenDiagonal(*developed.format) != evidence.Green()) caption += "  WRONG";
     sheet.Put(i, Convert(developed, {}, 3), development.gamma, caption);
   }
   return sheet.picture();
