@@ -20,7 +20,7 @@ head -c $((1920 * 1080 * 2)) /dev/zero >dump.raw
 mkdir -p pictures
 set -x
 eval "$(block "The tool" 1)" >>log
-[[ -s frame.bmp && -s dump.png && -s pictures/frame.jpg ]]
+[[ -s frame.bmp && -s dump.png && -s pictures/frame.jpg && -s phases.png ]]
 
 echo "== Installing it"
 eval "$(block "Installing it" 2 | grep -v '^\./dev')" >log
