@@ -104,7 +104,9 @@ def check_source(
     check_size(format, width, height)
     needed = format.row_bytes(width) * height
     if array.nbytes != needed:
-        raise ValueError(f"a {format.name} {what} of {width}x{height} has {needed} bytes, not {array.nbytes}")
+        raise ValueError(
+            f"a {format.name} {what} of {width}x{height} has {needed} bytes, not {array.nbytes}; check size and format"
+        )
     return Source(array, format, width, height)
 
 
@@ -122,7 +124,9 @@ def output(
             f"{what} has the type {dtype.name}, not {out.dtype}; make it with numpy.empty({shape}, numpy.{dtype.name})"
         )
     if out.shape != shape:
-        raise ValueError(f"{what} has the shape {shape}, not {out.shape}")
+        raise ValueError(
+            f"{what} has the shape {shape}, not {out.shape}; make it with numpy.empty({shape}, numpy.{dtype.name})"
+        )
     if not out.flags.c_contiguous:
         raise ValueError(
             f"{what} is not contiguous (strides {out.strides}); make it with numpy.empty({shape}, numpy.{dtype.name})"

@@ -94,12 +94,14 @@ inline constexpr ErrcText kErrcTexts[] = {
     {Errc::kFileNotFound, "UTL_STS_FILE_NOT_FOUND", "no such folder; create it first"},
     {Errc::kFailure, "UTL_STS_FAILURE", "the library failed, or a work's callback threw"},
     {Errc::kUnknownFormat, "unknown format", "no pixel format has this code; PrismoUtl.h lists them"},
-    {Errc::kNoConversion, "no conversion", "the format has no such conversion"},
+    {Errc::kNoConversion, "no conversion",
+     "the format has no such conversion; take another layout or method, or reduce the frame to kGrey first"},
     {Errc::kEmptyFrame, "empty frame", "width and height have to be 1 or more"},
     {Errc::kFrameTooLarge, "frame too large", "a frame has at most 2^28 pixels; convert it in parts"},
-    {Errc::kWidthNotMultiple, "wrong width", "the format needs a width that is a multiple; crop the frame"},
+    {Errc::kWidthNotMultiple, "wrong width",
+     "the format needs a width that is a multiple of the needed one; crop the frame"},
     {Errc::kHeightNotMultiple, "wrong height",
-     "the format needs a height that is a multiple; crop the frame"},
+     "the format needs a height that is a multiple of the needed one; crop the frame"},
     {Errc::kSourceTooSmall, "source too small", "the source has fewer bytes than its format and size say"},
     {Errc::kDestinationTooSmall, "destination too small",
      "make the destination as large as FrameBytes or "
@@ -112,9 +114,13 @@ inline constexpr ErrcText kErrcTexts[] = {
     {Errc::kQualityOutOfRange, "quality out of range", "the quality of a JPEG file is 0 to 100"},
     {Errc::kPriorityOutOfRange, "priority out of range", "priorities are -2 to 2"},
     {Errc::kFileTooShort, "file too short", "the file ends before its frame; write it again"},
-    {Errc::kRowSizeMismatch, "wrong row size", "the file's row size is not that of its format and width"},
+    {Errc::kRowSizeMismatch, "wrong row size",
+     "the file's row size is not that of its format and width; write it again"},
     {Errc::kPoolClosed, "pool closed", "the pool was closed; make a new Pool"},
 };
+
+// "BayerRG12, 0x01100011"
+inline std::string FormatText(std::uint64_t code);
 
 class Category final : public std::error_category {
  public:
@@ -183,6 +189,13 @@ class [[nodiscard]] Result {
       : code_(code), has_values_(true), given_(given), needed_(needed) {}
   Result(Errc code, std::string subject) noexcept : code_(code), subject_(std::move(subject)) {}
 
+  /** The same about a file. */
+  Result About(std::string subject) const {
+    Result result = *this;
+    result.subject_ = std::move(subject);
+    return result;
+  }
+
   static Result OfStatus(std::uint32_t status) noexcept { return static_cast<Errc>(status); }
 
   explicit operator bool() const noexcept { return code_ == Errc::kSuccess; }
@@ -193,9 +206,11 @@ class [[nodiscard]] Result {
   std::string Message() const {
     std::string text = subject_.empty() ? "" : subject_ + ": ";
     text += make_error_code(code_).message();
-    if (has_values_)
-      text += " (" + std::to_string(given_) + " given, " + std::to_string(needed_) + " needed)";
-    return text;
+    if (!has_values_) return text;
+    if (code_ == Errc::kUnknownFormat || code_ == Errc::kNoConversion)
+      return text + " (" + detail::FormatText(given_) + ")";
+    const auto number = [](std::uint64_t value) { return std::to_string(static_cast<std::int64_t>(value)); };
+    return text + " (" + number(given_) + " given, " + number(needed_) + " needed)";
   }
 
   void OrThrow() const {
@@ -311,6 +326,18 @@ inline constexpr Format kMono8{PRISMO_MONO8}, kMono10{PRISMO_MONO10}, kMono12{PR
     kYuv422{PRISMO_YUV422}, kYuv444{PRISMO_YUV444}, kBgra8{PRISMO_BGRA8}, kBgra10{PRISMO_BGRA10},
     kBgr8Padded{PRISMO_BGR8_PADDED}, kMono8Padded{PRISMO_MONO8_PADDED};
 
+namespace detail {
+
+inline std::string FormatText(std::uint64_t code) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  const Format format{static_cast<std::uint32_t>(code)};
+  std::string text = format.IsKnown() ? std::string(format.Name()) + ", 0x" : "0x";
+  for (int shift = 28; shift >= 0; shift -= 4) text += kDigits[code >> shift & 15];
+  return text;
+}
+
+}  // namespace detail
+
 /** Pictures of 8-bit channels, top row first: B G R 255, B G R, B G R with rows of a multiple of 4 bytes,
  * grey. */
 enum class Layout : std::uint8_t { kBgra, kBgr, kBgrPadded, kGrey };
@@ -391,7 +418,7 @@ inline constexpr std::uint32_t kMinPoolRows = 2 * 16 + 8;
 constexpr bool IsSafeOnPool(std::uint32_t rows) noexcept { return rows >= kMinPoolRows && rows % 2 == 0; }
 
 inline Result CheckSize(Format format, std::uint32_t width, std::uint32_t height) noexcept {
-  if (!format.IsKnown()) return {Errc::kUnknownFormat, format.code, PRISMO_MONO8};
+  if (!format.IsKnown()) return {Errc::kUnknownFormat, format.code, 0};
   if (width == 0 || height == 0) return {Errc::kEmptyFrame, 0, 1};
   const std::uint64_t pixels = std::uint64_t{width} * height;
   if (pixels > kMaxPixels) return {Errc::kFrameTooLarge, pixels, kMaxPixels};
@@ -399,6 +426,8 @@ inline Result CheckSize(Format format, std::uint32_t width, std::uint32_t height
   if (height % format.HeightUnit()) return {Errc::kHeightNotMultiple, height, format.HeightUnit()};
   return {};
 }
+
+inline Result NoConversion(Format format) noexcept { return {Errc::kNoConversion, format.code, 0}; }
 
 inline Result CheckFrame(const Frame& frame) noexcept {
   if (Result result = CheckSize(frame.format, frame.width, frame.height); !result) return result;
@@ -437,7 +466,7 @@ inline Result ChoosePool(Threads threads, std::uint32_t rows, bool& pool) noexce
 
 inline Result ToGrey(const Frame& frame, WritableBytes dst) noexcept {
   const Format format = frame.format;
-  if (format.Kind() != FormatKind::kMono && !format.IsBayer()) return Errc::kNoConversion;
+  if (format.Kind() != FormatKind::kMono && !format.IsBayer()) return NoConversion(format);
   if (format.Depth() == 8) {
     for (std::size_t y = 0; y < frame.height; ++y)
       std::memcpy(&dst[y * frame.width], &frame.bytes[y * format.RowBytes(frame.width)], frame.width);
@@ -478,7 +507,7 @@ inline Result Convert(const Frame& frame, Layout layout, WritableBytes dst,
                                                 static_cast<std::int32_t>(frame.height), padded));
   }
   const bool adaptive = format.IsBayer() && demosaic == Demosaic::kAdaptive;
-  if (format == kBgra10 || (adaptive && format.Depth() != 8)) return Errc::kNoConversion;
+  if (format == kBgra10 || (adaptive && format.Depth() != 8)) return detail::NoConversion(format);
   bool pool;
   if (Result result = detail::ChoosePool(threads, frame.height, pool); !result) return result;
   const std::uint32_t output = layout == Layout::kBgra ? 0 : padded ? 2 : 1;
@@ -515,7 +544,7 @@ inline Result ConvertToPlanes(const Frame& frame, WritableBytes blue, WritableBy
                               Threads threads = Threads::kAuto) noexcept {
   if (Result result = detail::CheckFrame(frame); !result) return result;
   const bool bayer8 = frame.format.IsBayer() && frame.format.Depth() == 8;
-  if (!bayer8 && frame.format != kRgb8 && frame.format != kBgr8) return Errc::kNoConversion;
+  if (!bayer8 && frame.format != kRgb8 && frame.format != kBgr8) return detail::NoConversion(frame.format);
   const std::uint64_t needed = std::uint64_t{frame.width} * frame.height;
   for (const auto& [plane, other] : {std::pair{blue, green}, std::pair{green, red}, std::pair{red, blue}}) {
     if (Result result = detail::CheckDestination(plane, needed, frame); !result) return result;
@@ -527,6 +556,19 @@ inline Result ConvertToPlanes(const Frame& frame, WritableBytes blue, WritableBy
                                             frame.bytes.data(), frame.width, frame.height, pool, 0));
 }
 
+namespace detail {
+
+// Columns or rows of a rectangle, which keeps two pixels from the edges.
+inline Result CheckSpan(std::uint32_t first, std::uint32_t count, std::uint32_t all) noexcept {
+  if (first < 2) return {Errc::kRectangleOutside, first, 2};
+  if (count == 0 || count % 2) return {Errc::kRectangleOutside, count, std::uint64_t{count} + 2 - count % 2};
+  const std::uint64_t end = std::uint64_t{first} + count + 2;
+  if (end > all) return {Errc::kRectangleOutside, end, all};
+  return {};
+}
+
+}  // namespace detail
+
 /**
  * Demosaics a rectangle of an 8-bit Bayer frame adaptively into a picture of the rectangle's size. It is that
  * part of the whole picture, but for its outermost pixels.
@@ -535,11 +577,10 @@ inline Result ConvertRectangle(const Frame& frame, const Rectangle& rectangle, L
                                WritableBytes dst, Threads threads = Threads::kAuto) noexcept {
   if (Result result = detail::CheckFrame(frame); !result) return result;
   if (!frame.format.IsBayer() || frame.format.Depth() != 8 || layout == Layout::kGrey)
-    return Errc::kNoConversion;
+    return detail::NoConversion(frame.format);
   const auto& [left, top, width, height] = rectangle;
-  const bool inside = left >= 2 && top >= 2 && std::uint64_t{left} + width + 2 <= frame.width &&
-                      std::uint64_t{top} + height + 2 <= frame.height;
-  if (!inside || width == 0 || height == 0 || width % 2 || height % 2) return Errc::kRectangleOutside;
+  if (Result result = detail::CheckSpan(left, width, frame.width); !result) return result;
+  if (Result result = detail::CheckSpan(top, height, frame.height); !result) return result;
   const std::uint64_t needed = PictureBytes(layout, width, height);
   if (Result result = detail::CheckDestination(dst, needed, frame); !result) return result;
   bool pool;
@@ -571,7 +612,7 @@ constexpr Format MirroredFormat(Format format, Directions directions) noexcept {
 inline Result Mirror(const Frame& frame, Directions directions, WritableBytes dst) noexcept {
   if (Result result = detail::CheckFrame(frame); !result) return result;
   if (frame.format.HasPaddedRows() || frame.format == kBgra8 || frame.format == kBgra10)
-    return Errc::kNoConversion;
+    return detail::NoConversion(frame.format);
   const std::uint64_t needed = FrameBytes(frame.format, frame.width, frame.height);
   if (Result result = detail::CheckDestination(dst, needed, frame); !result) return result;
   return Result::OfStatus(RvrsImg_SP(dst.data(), frame.bytes.data(), frame.format.code, frame.width,
@@ -583,7 +624,7 @@ inline Result MakeFrame(const Picture& picture, Format format, WritableBytes dst
   if (Result result = detail::CheckPicture(picture); !result) return result;
   if (Result result = detail::CheckSize(format, picture.width, picture.height); !result) return result;
   if (picture.layout == Layout::kGrey || format.HasPaddedRows() || format == kBgra8 || format == kBgra10)
-    return Errc::kNoConversion;
+    return detail::NoConversion(format);
   const std::uint64_t needed = FrameBytes(format, picture.width, picture.height);
   const std::uint64_t picture_bytes = PictureBytes(picture.layout, picture.width, picture.height);
   if (Result result = detail::CheckDestination(dst, needed, picture.bytes, picture_bytes); !result)
@@ -631,7 +672,9 @@ inline Result SaveBmp(const Picture& picture, const std::filesystem::path& path)
 inline Result SaveJpeg(const Picture& picture, const std::filesystem::path& path,
                        std::optional<std::uint32_t> quality = {}) {
   if (Result result = detail::CheckPicture(picture); !result) return result;
-  if (picture.layout != Layout::kBgra && picture.layout != Layout::kBgr) return Errc::kNoConversion;
+  if (picture.layout != Layout::kBgra && picture.layout != Layout::kBgr) {
+    return Result(Errc::kNoConversion, "JPEG files are made of BGR and BGRA pictures");
+  }
   if (quality && *quality > 100) return {Errc::kQualityOutOfRange, *quality, 100};
   const std::uint32_t layout = picture.layout == Layout::kBgr;
   const std::string name = path.string();
@@ -670,11 +713,13 @@ class LoadedFrame {
     const std::uint32_t status = LoadRWH(name.c_str(), nullptr, &code, &width, &height, &row_bytes);
     if (status != UTL_STS_INVALID_PARAMETER) return detail::OfFile(status, name);
     const Format format{code};
-    if (Result result = detail::CheckSize(format, width, height); !result) return {result.Code(), name};
-    if (row_bytes != format.RowBytes(width)) return {Errc::kRowSizeMismatch, name};
+    if (Result result = detail::CheckSize(format, width, height); !result) return result.About(name);
+    if (row_bytes != format.RowBytes(width))
+      return Result(Errc::kRowSizeMismatch, row_bytes, format.RowBytes(width)).About(name);
     std::error_code error;
     const auto size = std::filesystem::file_size(path, error);
-    if (error || size < 16 + FrameBytes(format, width, height)) return {Errc::kFileTooShort, name};
+    const std::uint64_t needed = 16 + FrameBytes(format, width, height);
+    if (error || size < needed) return Result(Errc::kFileTooShort, error ? 0 : size, needed).About(name);
 
     std::uint8_t* data = nullptr;
     const Result result =
@@ -828,7 +873,10 @@ class Pool {
 
   Result SetPriority(int priority) noexcept {
     if (!open_) return Errc::kPoolClosed;
-    if (priority < -2 || priority > 2) return Errc::kPriorityOutOfRange;
+    if (priority < -2 || priority > 2) {
+      return {Errc::kPriorityOutOfRange, static_cast<std::uint64_t>(priority),
+              static_cast<std::uint64_t>(priority < 0 ? -2 : 2)};
+    }
     return Result::OfStatus(SetMPThreadPriority(priority));
   }
 

@@ -43,11 +43,30 @@ TEST(CppErrors, SizesOfFrames) {
 TEST(CppErrors, FormatsAndConversions) {
   std::vector<uint8_t> frame(800), picture(800);
   ExpectSays(Convert({Format{0x01080002}, 4, 4, frame}, Layout::kBgr, picture), Errc::kUnknownFormat,
-             {"17301506 given"});
-  EXPECT_EQ(Convert({kBgra10, 4, 4, frame}, Layout::kBgr, picture), Errc::kNoConversion);
-  EXPECT_EQ(Convert({kRgb8, 4, 4, frame}, Layout::kGrey, picture), Errc::kNoConversion);
-  EXPECT_EQ(Convert({kBayerRG12, 4, 4, frame}, Layout::kBgr, picture, Demosaic::kAdaptive),
-            Errc::kNoConversion);
+             {"0x01080002", "PrismoUtl.h lists"});
+  ExpectSays(Convert({kBgra10, 4, 4, frame}, Layout::kBgr, picture), Errc::kNoConversion,
+             {"BGRA10, 0x0240004C", "another layout"});
+  ExpectSays(Convert({kRgb8, 4, 4, frame}, Layout::kGrey, picture), Errc::kNoConversion, {"RGB8"});
+  ExpectSays(Convert({kBayerRG12, 4, 4, frame}, Layout::kBgr, picture, Demosaic::kAdaptive),
+             Errc::kNoConversion, {"BayerRG12", "kGrey first"});
+}
+
+TEST(CppErrors, RectanglesAndChoices) {
+  std::vector<uint8_t> frame(64 * 48), picture(64 * 48 * 3);
+  const auto convert = [&](Rectangle rectangle, Threads threads = Threads::kAuto) {
+    return ConvertRectangle({kBayerRG8, 64, 48, frame}, rectangle, Layout::kBgr, picture, threads);
+  };
+  EXPECT_TRUE(convert({2, 2, 60, 44}));
+  ExpectSays(convert({1, 2, 8, 8}), Errc::kRectangleOutside, {"1 given, 2 needed", "two pixels"});
+  ExpectSays(convert({2, 2, 5, 8}), Errc::kRectangleOutside, {"5 given, 6 needed", "even"});
+  ExpectSays(convert({2, 2, 8, 0}), Errc::kRectangleOutside, {"0 given, 2 needed"});
+  ExpectSays(convert({2, 2, 62, 8}), Errc::kRectangleOutside, {"66 given, 64 needed"});
+  ExpectSays(convert({2, 4, 8, 44}), Errc::kRectangleOutside, {"50 given, 48 needed"});
+  ExpectSays(convert({2, 2, 8, 8}, Threads::kPool), Errc::kUnsafeOnPool, {"8 given, 40 needed", "kAuto"});
+  ExpectSays(SaveJpeg({Layout::kBgr, 8, 8, picture}, "no.jpg", 101), Errc::kQualityOutOfRange,
+             {"101 given, 100 needed"});
+  Pool pool(1);
+  ExpectSays(pool.SetPriority(-3), Errc::kPriorityOutOfRange, {"-3 given, -2 needed"});
 }
 
 TEST(CppErrors, Overlaps) {

@@ -13,11 +13,12 @@ using namespace prismoutl;
 
 class CppFiles : public testing::Test {
  protected:
-  void ExpectLoadFails(const std::string& path, Errc code) {
+  void ExpectLoadFails(const std::string& path, Errc code, const std::string& words) {
     LoadedFrame frame;
     const Result result = LoadedFrame::Load(path, frame);
     EXPECT_EQ(result, code) << result.Message();
-    EXPECT_NE(result.Message().find(path), std::string::npos) << result.Message();
+    for (const std::string& word : {path, words})
+      EXPECT_NE(result.Message().find(word), std::string::npos) << result.Message();
     EXPECT_THROW(LoadedFrame::Load(path), Error);
     EXPECT_TRUE(frame.Data().empty());
   }
@@ -41,7 +42,7 @@ TEST_F(CppFiles, RawFramesComeBackAsTheyWere) {
 }
 
 TEST_F(CppFiles, DamagedRawFramesAreRefused) {
-  ExpectLoadFails(folder_ / "missing.rwh", Errc::kFileOpenError);
+  ExpectLoadFails(folder_ / "missing.rwh", Errc::kFileOpenError, "check path");
 
   const auto bytes = RandomFrame(kMono8, 4, 4, random_);
   SaveRaw({kMono8, 4, 4, bytes}, folder_ / "whole.rwh").OrThrow();
@@ -49,25 +50,25 @@ TEST_F(CppFiles, DamagedRawFramesAreRefused) {
   Bytes file = whole;
   file.pop_back();
   WriteFile(folder_ / "short.rwh", file);
-  ExpectLoadFails(folder_ / "short.rwh", Errc::kFileTooShort);
+  ExpectLoadFails(folder_ / "short.rwh", Errc::kFileTooShort, "31 given, 32 needed");
 
   file = whole;
   file[12] = 5;
   WriteFile(folder_ / "rows.rwh", file);
-  ExpectLoadFails(folder_ / "rows.rwh", Errc::kRowSizeMismatch);
+  ExpectLoadFails(folder_ / "rows.rwh", Errc::kRowSizeMismatch, "5 given, 4 needed");
 
   file = whole;
   file[0] = 2;
   WriteFile(folder_ / "format.rwh", file);
-  ExpectLoadFails(folder_ / "format.rwh", Errc::kUnknownFormat);
+  ExpectLoadFails(folder_ / "format.rwh", Errc::kUnknownFormat, "0x01080002");
 
   file = whole;
   std::fill(&file[4], &file[12], uint8_t{0xFF});
   WriteFile(folder_ / "huge.rwh", file);
-  ExpectLoadFails(folder_ / "huge.rwh", Errc::kFrameTooLarge);
+  ExpectLoadFails(folder_ / "huge.rwh", Errc::kFrameTooLarge, "convert it in parts");
 
   WriteFile(folder_ / "empty.rwh", {});
-  ExpectLoadFails(folder_ / "empty.rwh", Errc::kUnknownFormat);
+  ExpectLoadFails(folder_ / "empty.rwh", Errc::kUnknownFormat, "0x00000000");
 }
 
 TEST_F(CppFiles, Pictures) {

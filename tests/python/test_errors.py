@@ -52,7 +52,7 @@ class Errors(unittest.TestCase):
         self.expect(ValueError, ["(height, width)", "(24,)", "size="], convert, FRAME.reshape(-1), "Mono8")
         self.expect(ValueError, ["(height, width, 3)", "(4, 6)"], convert, FRAME, "RGB8")
         self.expect(ValueError, ["(height, width * 3 / 2)"], convert, FRAME.reshape(-1), "YUV411_8_UYYVYY")
-        self.expect(ValueError, ["24 bytes", "23"], convert, FRAME.tobytes()[1:], "Mono8", size=(6, 4))
+        self.expect(ValueError, ["24 bytes", "23", "check size and format"], convert, FRAME.tobytes()[1:], "Mono8", size=(6, 4))
         self.expect(ValueError, ["24 bytes", "25"], convert, FRAME.tobytes() + b"x", "Mono8", size=(6, 4))
         self.expect(ValueError, ["does not say its width", "size="], convert, FRAME, "Mono8Pad")
         self.expect(ValueError, ["multiple of 2", "6x3", "crop"], convert, FRAME[:3], "BayerRG8")
@@ -78,7 +78,7 @@ class Errors(unittest.TestCase):
         read_only = np.empty((4, 6, 3), np.uint8)
         read_only.flags.writeable = False
         self.expect(ValueError, ["read-only"], convert, read_only)
-        self.expect(ValueError, ["(4, 6, 3)", "(4, 6, 4)"], convert, np.empty((4, 6, 4), np.uint8))
+        self.expect(ValueError, ["(4, 6, 3)", "(4, 6, 4)", "numpy.empty"], convert, np.empty((4, 6, 4), np.uint8))
         self.expect(TypeError, ["uint8", "int8", "numpy.empty"], convert, np.empty((4, 6, 3), np.int8))
         self.expect(TypeError, ["bytearray"], convert, bytearray(72))
         self.expect(ValueError, ["not contiguous"], convert, np.empty((4, 12, 3), np.uint8)[:, ::2])
@@ -118,7 +118,7 @@ class Errors(unittest.TestCase):
             missing, nowhere = folder / "missing.rwh", folder / "none" / "picture"
             self.expect(
                 prismoutl.FileOpenError,
-                [str(missing), "UTL_STS_FILE_OPEN_ERROR", "0x2001"],
+                [str(missing), "UTL_STS_FILE_OPEN_ERROR", "0x2001", "check that the file exists"],
                 prismoutl.load_raw,
                 missing,
             )

@@ -32,11 +32,11 @@ TEST_F(FailureTest, InputsThatAreNoFrames) {
 TEST_F(FailureTest, FilesOfAnotherLength) {
   WriteFile(Path("d.raw"), Bytes(4131840 / 1000));
   ExpectFailure("convert d.raw --size 1920x1076 --format BayerBG12 -o x.bmp",
-                {"d.raw", "BayerBG12 1920x1076", "4131840", "4131", "4127709 too few"});
+                {"d.raw", "BayerBG12 1920x1076", "4131840", "4131", "4127709 too few", "check --size"});
   WriteFile(Path("d.raw"), Bytes(65));
   ExpectFailure("convert d.raw --size 8x8 --format Mono8 -o x.bmp", {"64", "65", "1 too many"});
   WriteRwh(PRISMO_MONO8, 8, 8, 8, 63);
-  ExpectFailure("convert h.rwh -o x.bmp", {"80 bytes", "has 79", "1 too few"});
+  ExpectFailure("convert h.rwh -o x.bmp", {"80 bytes", "has 79", "1 too few", "write it again"});
   ExpectFailure("info h.rwh", {"1 too few"});
   WriteRwh(PRISMO_MONO8, 8, 8, 8, 65);
   ExpectFailure("convert h.rwh -o x.bmp", {"80 bytes", "has 81", "1 too many"});

@@ -46,7 +46,8 @@ void CheckLength(const fs::path& path, const FrameHeader& header, uint64_t lengt
                   header.data_offset ? " behind a header takes " : " takes ", expected,
                   " bytes, but the file has ", length,
                   length < expected ? Text(" (", expected - length, " too few)")
-                                    : Text(" (", length - expected, " too many)"));
+                                    : Text(" (", length - expected, " too many)"),
+                  header.data_offset ? "; write it again" : "; check --size and --format");
 }
 
 FrameHeader ExamineRwh(const fs::path& path, uint64_t length) {
@@ -105,7 +106,7 @@ FrameHeader ExamineFrame(const fs::path& path, const DumpLayout& layout) {
   const uint64_t length = LengthOfFile(path);
   const bool described = layout.size || layout.format;
   if (!NamesRwh(path) && described && !(layout.size && layout.format)) {
-    throw FileError(path, "a headerless dump needs both --size and --format");
+    throw FileError(path, "a headerless dump needs both --size and --format ('prismo probe' guesses them)");
   }
   FrameHeader header{};
   if (NamesRwh(path) || !described) {
