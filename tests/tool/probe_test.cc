@@ -189,7 +189,8 @@ TEST_F(ProbeTest, RefusesWhatHasNoMosaic) {
   MakeFrame("odd", PRISMO_MONO8, 33, 20);
   ExpectFailure("probe odd.rwh -o f.png", {"multiple of 2", "33x20"});
   MakeFrame("good", PRISMO_BAYER_RG8, 64, 48);
-  ExpectFailure("probe good.rwh -o f.rwh", {"f.rwh", "colour picture"});
+  ExpectFailure("probe good.rwh -o f.rwh", {"f.rwh", ".png, .bmp or .jpg"});
+  ExpectFailure("probe good.rwh -o f.bgra", {"f.bgra", ".png, .bmp or .jpg"});
   ExpectFailure("probe good.rwh -o f.xyz", {"f.xyz", "extension"});
   ExpectFailure("probe good.rwh -o f.png --gain x", {"--gain", "'x'"});
   ExpectFailure("probe none.raw", {"none.raw", "no such file"});

@@ -16,6 +16,7 @@
 #include "lettering.h"
 #include "options.h"
 #include "phases.h"
+#include "png_file.h"
 
 namespace prismo::tool {
 namespace {
@@ -220,15 +221,18 @@ Picture DrawPhases(const Frame& frame, const PhaseEvidence& evidence, const Deve
   return sheet.picture();
 }
 
+fs::path OutputOf(const ProbeOptions& options) {
+  if (!options.output.empty()) return options.output;
+  return fs::path(options.input).stem().string() + "-phases" + (kHasPng ? ".png" : ".bmp");
+}
+
 void RunProbe(ProbeOptions options) {
   ProtectInputs({options.input});
   options.development.gain = ParseGain(options.gain);
-  const fs::path output = options.output.empty()
-                              ? fs::path(fs::path(options.input).stem().string() + "-phases.png")
-                              : fs::path(options.output);
+  const fs::path output = OutputOf(options);
   const FileKind kind = KindOfOutput(output, "");
-  if (HoldsFrame(kind) || kind == FileKind::kGrey)
-    throw FileError(output, "the phases are shown in a colour picture");
+  if (kind != FileKind::kPng && kind != FileKind::kBmp && kind != FileKind::kJpeg)
+    throw FileError(output, "the picture of the phases is a .png, .bmp or .jpg file");
   const Probed probed = ReadProbed(options.input, options.dump.Layout());
   const Frame& frame = probed.frame;
   RequireOneSamplePerPixel(frame);
