@@ -4,7 +4,9 @@
 
 #include <tlhelp32.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -83,12 +85,56 @@ TEST(Unload, AfterTerminatingThePool) {
   }
 }
 
-// The loader's lock keeps threads that have just been made from beginning.
 TEST(Unload, RightAfterStartingThreads) {
   const size_t before = ThreadsOfThisProcess();
   for (int i = 0; i < 30; ++i) {
     const Library library;
     EXPECT_EQ(PRISMO_GET(library, StartMPThreads)(16), 0u);
+  }
+  EXPECT_LE(ThreadsAfterAWhile(before), before);
+}
+
+// Functions of the system's loader that it has no header for.
+template <class Function>
+Function* OfLoader(const char* name) {
+  const HMODULE system = GetModuleHandleA("ntdll.dll");
+  return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(system, name)));
+}
+
+// Threads of the application begin and end without a call of the library.
+TEST(Load, TurnsThreadNotificationsOff) {
+  constexpr size_t kFlagsOffset = 0x68;
+  constexpr uint32_t kNoThreadCalls = 0x40000;
+  const Library library;
+  const auto find =
+      OfLoader<LONG NTAPI(const void* address, const std::byte** entry)>("LdrFindEntryForAddress");
+  const std::byte* entry = nullptr;
+  ASSERT_EQ(find(GetModuleHandleA(kLibrary), &entry), 0);
+  uint32_t flags = 0;
+  std::memcpy(&flags, entry + kFlagsOffset, sizeof(flags));
+  EXPECT_TRUE(flags & kNoThreadCalls) << std::hex << flags;
+}
+
+// Holds the lock under which the system loads libraries and lets threads begin.
+class LoaderLock {
+ public:
+  LoaderLock() {
+    OfLoader<LONG NTAPI(ULONG flags, ULONG * result, ULONG_PTR * cookie)>("LdrLockLoaderLock")(0, nullptr,
+                                                                                               &cookie_);
+  }
+  ~LoaderLock() { OfLoader<LONG NTAPI(ULONG flags, ULONG_PTR cookie)>("LdrUnlockLoaderLock")(0, cookie_); }
+
+ private:
+  ULONG_PTR cookie_ = 0;
+};
+
+TEST(Unload, WithThreadsThatCouldNotBegin) {
+  const size_t before = ThreadsOfThisProcess();
+  {
+    const LoaderLock lock;
+    const Library library;
+    EXPECT_EQ(PRISMO_GET(library, StartMPThreads)(16), 0u);
+    EXPECT_GT(ThreadsOfThisProcess(), before);
   }
   EXPECT_LE(ThreadsAfterAWhile(before), before);
 }

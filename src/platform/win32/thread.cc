@@ -5,17 +5,20 @@
 #include <process.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <new>
 
 #include "platform/win32/module.h"
+#include "platform/word_wait.h"
 
 namespace prismo::platform {
 namespace {
 
 constexpr DWORD kPollMs = 10;
+constexpr std::chrono::milliseconds kBeginLimit{100};
 
-enum class Stage {
+enum Stage : uint32_t {
   kMade,
   kRunning,
   kLeaving,   // nothing of ours left to do but to call _endthreadex
@@ -24,8 +27,16 @@ enum class Stage {
 
 struct State {
   HANDLE handle = nullptr;
-  std::atomic<Stage> stage{Stage::kMade};
+  std::atomic<uint32_t> stage{kMade};
 };
+
+void AwaitBegin(const State& state) {
+  using Clock = std::chrono::steady_clock;
+  const auto limit = Clock::now() + kBeginLimit;
+  for (auto now = Clock::now(); state.stage == kMade && now < limit; now = Clock::now()) {
+    WaitWhile(state.stage, kMade, limit - now);
+  }
+}
 
 bool IsOurs(DWORD64 address) {
   const auto base = reinterpret_cast<DWORD64>(Module());
@@ -49,14 +60,18 @@ bool IsOutside(HANDLE thread) {
 void* Thread::Enter(void* self) {
   auto* thread = static_cast<Thread*>(self);
   auto* state = reinterpret_cast<State*>(thread->handle_);
-  Stage made = Stage::kMade;
-  if (state->stage.compare_exchange_strong(made, Stage::kRunning)) {
+  uint32_t made = kMade;
+  if (state->stage.compare_exchange_strong(made, kRunning)) {
+    WakeOne(state->stage);
     thread->procedure_(thread->argument_);
-    state->stage.store(Stage::kLeaving);
+    state->stage = kLeaving;
   }
   return nullptr;
 }
 
+// Returns when the thread runs, so that whoever unloads the library next meets none that still has to begin.
+// Only where a caller holds the loader's lock, in which none can begin, does it leave one behind after a
+// while.
 bool Thread::Start(void (*procedure)(void*), void* argument) noexcept {
   procedure_ = procedure;
   argument_ = argument;
@@ -70,14 +85,16 @@ bool Thread::Start(void (*procedure)(void*), void* argument) noexcept {
   };
   const uintptr_t handle = _beginthreadex(nullptr, 0, run, this, 0, nullptr);
   if (handle == 0) return false;
-  state.release()->handle = reinterpret_cast<HANDLE>(handle);
+  state->handle = reinterpret_cast<HANDLE>(handle);
+  AwaitBegin(*state.release());
   started_ = true;
   return true;
 }
 
 // The end of a thread needs the loader's lock, which whoever unloads the library holds: there the handle is
 // never signalled, and it has to do that the thread is on its way and outside. For the same reason a thread
-// that has not begun by then cannot begin before the library is gone, and is ended where it waits.
+// that has not begun by then cannot begin before the library is gone, and is ended where it waits: the last
+// resort, since the loader's lock goes on counting it among those who wait.
 void Thread::Join() noexcept {
   if (!started_) return;
   started_ = false;
@@ -85,10 +102,9 @@ void Thread::Join() noexcept {
   DWORD code = 0;
   while (GetExitCodeThread(state->handle, &code) && code == STILL_ACTIVE) {
     if (WaitForSingleObject(state->handle, kPollMs) == WAIT_OBJECT_0) break;
-    const Stage stage = state->stage.load();
-    if (stage == Stage::kLeaving && IsOutside(state->handle)) break;
-    Stage made = Stage::kMade;
-    if (UnloadState() == Unload::kAlone && state->stage.compare_exchange_strong(made, Stage::kCancelled)) {
+    if (state->stage == kLeaving && IsOutside(state->handle)) break;
+    uint32_t made = kMade;
+    if (UnloadState() == Unload::kAlone && state->stage.compare_exchange_strong(made, kCancelled)) {
       TerminateThread(state->handle, 0);
     }
   }
