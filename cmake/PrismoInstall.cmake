@@ -9,6 +9,9 @@ install(TARGETS PrismoUtl EXPORT PrismoUtlTargets
   LIBRARY COMPONENT library NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(WIN32)
+  install(FILES $<TARGET_LINKER_FILE_DIR:PrismoUtl>/PrismoUtl64.lib TYPE LIB COMPONENT development)
+endif()
 install(FILES src/api/PrismoUtl.h src/api/prismoutl.hpp TYPE INCLUDE COMPONENT development)
 
 install(EXPORT PrismoUtlTargets NAMESPACE PrismoUtl:: DESTINATION ${config_folder} COMPONENT development)
@@ -40,8 +43,8 @@ if(TARGET prismo)
   relative_path(libraries ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR})
   set_target_properties(prismo PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS prismo COMPONENT tools)
-  install(FILES tools/prismo/prismo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   if(UNIX)
+    install(FILES tools/prismo/prismo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     set(completion tools/prismo/completion)
     install(FILES ${completion}/prismo.bash RENAME prismo
       DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)

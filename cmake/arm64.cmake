@@ -12,5 +12,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/aarch64-linux-gnu/pkgconfig)
 set(ENV{PKG_CONFIG_ALLOW_SYSTEM_LIBS} 1)
 
-set(CMAKE_CROSSCOMPILING_EMULATOR
-  qemu-aarch64 -L /usr/aarch64-linux-gnu -E LD_LIBRARY_PATH=/usr/lib/aarch64-linux-gnu)
+# The C library beside the loader comes first: each takes the other to be of its own build, and threads of a mixed
+# pair never start.
+set(libraries /usr/aarch64-linux-gnu/lib:/usr/lib/aarch64-linux-gnu)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu -E LD_LIBRARY_PATH=${libraries})

@@ -4,7 +4,7 @@
 
 #include "simd/targets.h"
 
-#if defined(__aarch64__)
+#if defined(__aarch64__) && !defined(HWY_COMPILE_ONLY_SCALAR)
 #define PRISMO_TARGET_TABLES(MAKER) \
   { nullptr, nullptr, nullptr, nullptr, nullptr, &HWY_STATIC_DISPATCH(MAKER) }
 #else

@@ -14,7 +14,9 @@ namespace {
 constexpr const char* kNames[kTargetCount] = {"portable", "sse4", "avx2", "avx512", "avx512vbmi", "neon"};
 
 bool Supports([[maybe_unused]] Target target) {
-#if defined(__x86_64__)
+#if defined(HWY_COMPILE_ONLY_SCALAR)
+  return target == Target::kPortable;
+#elif defined(__x86_64__)
   switch (target) {
     case Target::kPortable:
       return true;

@@ -1,11 +1,7 @@
-// The library as its users meet it: the header, the names, the layout of the work record, what it needs at
-// run time.
-#include "PrismoUtl.h"
-
+// The library's file: the names that it exports, what it needs at run time.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -14,8 +10,6 @@
 #include <set>
 #include <sstream>
 #include <string>
-
-extern "C" int PrismoFromC(void);
 
 namespace {
 
@@ -78,48 +72,6 @@ TEST(Abi, TheLibraryNeedsOnlyTheSystemAndTheEncoder) {
       R"((libc|libm|libstdc\+\+|libgcc_s|libturbojpeg|libasan|libubsan|libtsan|ld-linux[-\w]*)\.so\.\d+)");
   for (const std::string& name : needed) EXPECT_TRUE(std::regex_match(name, allowed)) << name;
   EXPECT_NE(dynamic.find("libPrismoUtl.so.1"), std::string::npos);
-}
-
-TEST(Abi, TheHeaderServesC) { EXPECT_EQ(PrismoFromC(), 0); }
-
-TEST(Abi, OneFunctionHasTwoNames) { EXPECT_EQ(&ConvYUV444PToBGRPad, &ConvYUV444PToBGR); }
-
-TEST(Abi, ConvertersAreTheExportedFunctions) {
-  EXPECT_EQ(GetBGRAConverter(PRISMO_BAYER_GR8, 1), &ConvByrGR8ToBGRA);
-  EXPECT_EQ(GetBGRConverter(PRISMO_YUV444, 0), &ConvYUV444PToBGR);
-  EXPECT_EQ(GetBGRConverter(PRISMO_YUV444, 0), &ConvYUV444PToBGRPad);
-}
-
-TEST(Abi, LayoutOfTheWorkRecord) {
-  static_assert(sizeof(void*) == 8);
-  EXPECT_EQ(offsetof(MPWork, WorkID), 0u);
-  EXPECT_EQ(offsetof(MPWork, Callback), 8u);
-  EXPECT_EQ(offsetof(MPWork, Type), 16u);
-  EXPECT_EQ(offsetof(MPWork, Src), 24u);
-  EXPECT_EQ(offsetof(MPWork, SrcWidth), 32u);
-  EXPECT_EQ(offsetof(MPWork, SrcHeight), 36u);
-  EXPECT_EQ(offsetof(MPWork, SrcStride), 40u);
-  EXPECT_EQ(offsetof(MPWork, SrcBytesPerPixel), 44u);
-  EXPECT_EQ(offsetof(MPWork, Dst), 48u);
-  EXPECT_EQ(offsetof(MPWork, DstWidth), 56u);
-  EXPECT_EQ(offsetof(MPWork, DstHeight), 60u);
-  EXPECT_EQ(offsetof(MPWork, DstStride), 64u);
-  EXPECT_EQ(offsetof(MPWork, DstBytesPerPixel), 68u);
-  EXPECT_EQ(offsetof(MPWork, Param), 72u);
-  EXPECT_EQ(offsetof(MPWork, FirstY), 76u);
-  EXPECT_EQ(offsetof(MPWork, LastY), 80u);
-  EXPECT_EQ(offsetof(MPWork, FirstX), 84u);
-  EXPECT_EQ(offsetof(MPWork, LastX), 88u);
-  EXPECT_EQ(offsetof(MPWork, DstX), 92u);
-  EXPECT_EQ(offsetof(MPWork, DstY), 96u);
-  EXPECT_EQ(offsetof(MPWork, CurrentY), 100u);
-  EXPECT_EQ(offsetof(MPWork, WorkToDo), 104u);
-  EXPECT_EQ(offsetof(MPWork, AccessCounter), 108u);
-  EXPECT_EQ(offsetof(MPWork, Status), 112u);
-  EXPECT_EQ(offsetof(MPWork, BlockList), 120u);
-  EXPECT_EQ(offsetof(MPWork, NextBlock), 128u);
-  EXPECT_EQ(offsetof(MPWork, Lock), 136u);
-  EXPECT_EQ(offsetof(MPWork, DoneEvent), 144u);
 }
 
 }  // namespace

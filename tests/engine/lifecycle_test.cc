@@ -17,6 +17,7 @@
 #include "engine/fresh_pool.h"
 #include "engine/pool_tools.h"
 #include "engine/threads.h"
+#include "support/emulation.h"
 
 namespace prismo::mp {
 namespace {
@@ -131,6 +132,7 @@ TEST_F(Lifecycle, TerminateAndStartAgain) {
 }
 
 TEST_F(Lifecycle, AChildProcessGetsItsOwnPool) {
+  if (test::kUnderQemu) GTEST_SKIP() << "QEMU cannot fork a process of several threads";
   if (kThreadSanitizer) GTEST_SKIP() << "the thread sanitizer ends children that make threads";
   ASSERT_EQ(Exec(kDrain, 100), 0u);
   ASSERT_NE(Start(kDrain, 100), nullptr);
@@ -146,6 +148,7 @@ TEST_F(Lifecycle, AChildProcessGetsItsOwnPool) {
 }
 
 TEST_F(Lifecycle, AForkMayComeAtAnyMoment) {
+  if (test::kUnderQemu) GTEST_SKIP() << "QEMU cannot fork a process of several threads";
   if (kThreadSanitizer) GTEST_SKIP() << "the thread sanitizer ends children that make threads";
   if (kAddressSanitizer)
     GTEST_SKIP() << "the address sanitizer's own locks do not survive a fork beside allocations";

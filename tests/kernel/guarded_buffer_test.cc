@@ -76,7 +76,9 @@ TEST(ForEachTarget, RunsEverySupportedTarget) {
   ForEachTarget([&] { ++runs; });
   EXPECT_EQ(runs, 2 * simd::SupportedTargets().size());
   EXPECT_EQ(simd::CurrentTarget(), before);
-  EXPECT_EQ(simd::SupportedTargets().front(), simd::Target::kPortable);
+  // Where every processor has NEON, the portable form is compiled on request only.
+  const simd::Target least = simd::SupportedTargets().front();
+  EXPECT_TRUE(least == simd::Target::kPortable || least == simd::Target::kNeon);
 }
 
 }  // namespace

@@ -4,9 +4,7 @@
 
 #include <tlhelp32.h>
 
-#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -99,20 +97,6 @@ template <class Function>
 Function* OfLoader(const char* name) {
   const HMODULE system = GetModuleHandleA("ntdll.dll");
   return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(system, name)));
-}
-
-// Threads of the application begin and end without a call of the library.
-TEST(Load, TurnsThreadNotificationsOff) {
-  constexpr size_t kFlagsOffset = 0x68;
-  constexpr uint32_t kNoThreadCalls = 0x40000;
-  const Library library;
-  const auto find =
-      OfLoader<LONG NTAPI(const void* address, const std::byte** entry)>("LdrFindEntryForAddress");
-  const std::byte* entry = nullptr;
-  ASSERT_EQ(find(GetModuleHandleA(kLibrary), &entry), 0);
-  uint32_t flags = 0;
-  std::memcpy(&flags, entry + kFlagsOffset, sizeof(flags));
-  EXPECT_TRUE(flags & kNoThreadCalls) << std::hex << flags;
 }
 
 // Holds the lock under which the system loads libraries and lets threads begin.

@@ -13,6 +13,11 @@ if(NOT exported STREQUAL listed)
   message(FATAL_ERROR "exported:\n${exported}\nlisted:\n${listed}")
 endif()
 
+# Threads of the application begin and end without a call of the library, as far as the system lets it choose.
+if(NOT headers MATCHES "DisableThreadLibraryCalls")
+  message(FATAL_ERROR "${DLL} does not turn off the notifications of threads")
+endif()
+
 string(REGEX MATCHALL "DLL Name: [^\n]+" needed "${headers}")
 foreach(name IN LISTS needed)
   if(NOT name MATCHES "(KERNEL32|msvcrt|gdiplus|SHELL32|SHLWAPI|api-ms-win-core-synch-[a-z0-9-]+)\\.(dll|DLL)$")
