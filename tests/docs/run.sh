@@ -10,7 +10,7 @@ work=$2 build=$3 prefix=$4
 export DOCUMENT
 
 tasks=$("$root/dev" help)
-for task in $(grep -oE '\./dev [a-z][a-z-]*' "$DOCUMENT" | sort -u | cut -d' ' -f2); do
+for task in $(grep -oE '\./dev [a-z][a-z0-9-]*' "$DOCUMENT" | sort -u | cut -d' ' -f2); do
   grep -qE "^  $task( |$)" <<<"$tasks" || { echo "$DOCUMENT: no task ./dev $task" && exit 1; }
 done
 
