@@ -37,7 +37,10 @@ BilinearJob MakeBilinearJob(const BilinearForm& form, void* dst, const void* src
                             uint32_t shift) {
   const size_t src_pitch = SampleBytes(form.depth) * size.width;
   const size_t dst_pitch = RowBytes(form.layout, size.width);
-  const simd::StoreKind stores = simd::StoreKindFor((src_pitch + dst_pitch) * size.height);
+  // Plain stores of bytes fetch their lines ahead, which keeps up with streaming longer (measured: 12 % at 5
+  // megapixels, equal at 12).
+  const simd::StoreKind stores =
+      simd::StoreKindFor((src_pitch + dst_pitch) * size.height, form.depth == BayerDepth::k8 ? 3 : 1);
   const auto samples = form.depth == BayerDepth::k8 ? Samples::k8 : SamplesForShift(shift);
   const BilinearKernels& kernels = CurrentBilinearKernels();
   const auto& rows = form.layout == Layout::kBgra ? kernels.bgra : kernels.bgr;

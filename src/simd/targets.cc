@@ -78,13 +78,14 @@ constinit std::atomic<uint8_t> forced_store_kind{kUndecided};
 
 // Beyond this working set a streaming store beats a plain one, which first reads what it overwrites. A cache
 // of a whole server socket is shared with strangers and its far slices are no faster than memory: an eighth
-// of it is all that one conversion can count on (measured on a 105 MB cache, where streaming stores win from
-// about 12 MB on; caches of up to 48 MB keep their whole size).
-size_t CacheForConversions() {
-  constexpr size_t kSocketWideCache = size_t{48} << 20;
-  const size_t last_level = platform::LastLevelCacheBytes();
-  return last_level > kSocketWideCache ? last_level / 8 : last_level;
-}
+// of it is all that most conversions can count on (measured on a 105 MB cache, where streaming stores win
+// from about 12 MB on; caches of up to 48 MB keep their whole size).
+struct CacheForConversions {
+  size_t bytes = platform::LastLevelCacheBytes();
+  bool socket_wide = bytes > size_t{48} << 20;
+
+  size_t Share(size_t reach) const { return socket_wide ? bytes / 8 * reach : bytes; }
+};
 
 }  // namespace
 
@@ -107,11 +108,11 @@ void SetTarget(Target target) {
   current_target.store(static_cast<uint8_t>(target), std::memory_order_relaxed);
 }
 
-StoreKind StoreKindFor(size_t working_set_bytes) {
+StoreKind StoreKindFor(size_t working_set_bytes, size_t reach) {
   const uint8_t forced = forced_store_kind.load(std::memory_order_relaxed);
   if (forced != kUndecided) return static_cast<StoreKind>(forced);
-  static const size_t cache = CacheForConversions();
-  return working_set_bytes > cache ? StoreKind::kStreaming : StoreKind::kCached;
+  static const CacheForConversions cache;
+  return working_set_bytes > cache.Share(reach) ? StoreKind::kStreaming : StoreKind::kCached;
 }
 
 void FinishStores(StoreKind kind) {
