@@ -153,7 +153,7 @@ std::string Thread(uint32_t id) {
 
 std::string RowsOf(const LoggedBlock& block) {
   return "rows " + std::to_string(block.first_row) + " to " +
-         std::to_string(block.first_row + block.rows - 1);
+         std::to_string(int64_t{block.first_row} + block.rows - 1);
 }
 
 // The other works that threads were at when a work was given up, or shortly before it.

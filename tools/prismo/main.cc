@@ -1,52 +1,7 @@
-#include <CLI/CLI.hpp>
-#include <iostream>
+#include "application.h"
+#include "scratch_file.h"
 
-#include "commands.h"
-#include "error.h"
-#include "options.h"
-#include "output_file.h"
-
-namespace prismo::tool {
-namespace {
-
-int Run(int argc, char** argv) {
-  RemoveScratchFilesOnSignals();
-  CLI::App app("Raw frames of industrial cameras: describe, convert, compare, make.", "prismo");
-  app.set_version_flag("--version", "prismo " PRISMO_VERSION);
-  app.require_subcommand(0, 1);
-  AddFormatsCommand(app);
-  AddInfoCommand(app);
-  AddConvertCommand(app);
-  AddMirrorCommand(app);
-  AddMosaicCommand(app);
-  AddCompareCommand(app);
-  AddProbeCommand(app);
-  AddLogCommand(app);
-  AddDemoCommand(app);
-  RefuseEmptyValues(app);
-  // Only in the end: words that are no command are more worth a complaint than a missing one.
-  app.callback([&app] {
-    if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
-  });
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& help) {
-    app.exit(help);
-  } catch (const CLI::Error& error) {
-    std::cerr << "prismo: " << error.what() << " (prismo --help, prismo COMMAND --help)\n";
-    return kExitUsage;
-  } catch (const std::exception& error) {
-    std::cerr << "prismo: " << error.what() << '\n';
-    return kExitFailure;
-  }
-  if (!std::cout.flush()) {
-    std::cerr << "prismo: standard output: writing failed\n";
-    return kExitFailure;
-  }
-  return 0;
+int main(int argc, char** argv) {
+  prismo::tool::RemoveScratchFilesOnSignals();
+  return prismo::tool::Run(argc, argv);
 }
-
-}  // namespace
-}  // namespace prismo::tool
-
-int main(int argc, char** argv) { return prismo::tool::Run(argc, argv); }

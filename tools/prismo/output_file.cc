@@ -39,6 +39,7 @@ fs::path FolderOf(const fs::path& path) {
 }  // namespace
 
 void ProtectInputs(const std::vector<std::string>& inputs) {
+  ProtectedInputs().clear();
   for (const std::string& input : inputs) {
     if (const auto identity = IdentityOf(input)) ProtectedInputs().insert(*identity);
   }

@@ -11,8 +11,8 @@
 
 namespace prismo::tool {
 
-// No output file may be one of these. To be called with all inputs of a command that also writes, before its
-// first output.
+// No output file may be one of these, which take the place of an earlier command's. To be called with all
+// inputs of a command that also writes, before its first output.
 void ProtectInputs(const std::vector<std::string>& inputs);
 
 // Writers fill scratch(), a file beside the target; Commit() gives it the target's name. A target that is not
