@@ -4,6 +4,7 @@
 #include <mutex>
 #include <utility>
 
+#include "mp/steps.h"
 #include "platform/process.h"
 
 namespace prismo::mp {
@@ -211,7 +212,9 @@ Status MPManager::AppendWork(const WorkRef& work, Caller caller, LogBatch& log) 
     return Status::kSuccess;
   });
   if (queued != Status::kSuccess) return queued;
+  Passing(Step::kQueued);
   WakeThreads(caller);
+  Passing(Step::kWoken);
   log.Add(LogFunction::kManagerAppendWork, LogKind::kStep1, LogLevel::kInfo, rows);
   log.Add(LogFunction::kManagerAppendWork, LogKind::kFinished, LogLevel::kInfo, rows);
   return Status::kSuccess;
@@ -221,11 +224,14 @@ Status MPManager::AppendWork(const WorkRef& work, Caller caller, LogBatch& log) 
 Status MPManager::Await(const WorkRef& work, LogFunction function, LogBatch& log) {
   log.Flush();
   if (!work->WaitDone(Timeout())) {
+    Passing(Step::kGivenUp);
     work->TimeOut(log);
+    Passing(Step::kStatusSet);
     log.Add(function, LogKind::kError, LogLevel::kError, TypeAndRows(*work));
   }
   const Status status = work->CurrentStatus();
   ReleaseWork(work, log);
+  Passing(Step::kReleased);
   return status;
 }
 
@@ -250,6 +256,7 @@ bool MPManager::RemoveWork(Work& work, LogBatch& log) {
 void MPManager::ReleaseWork(const WorkRef& work, LogBatch& log) {
   log.Add(LogFunction::kManagerReleaseWork, LogKind::kStarted, LogLevel::kInfo, Rows(*work));
   if (!RemoveWork(*work, log)) return;
+  Passing(Step::kRemoved);
   const int32_t accesses = work->Accesses();
   if (accesses < 1) {
     log.Add(LogFunction::kManagerReleaseWork, LogKind::kStep1, LogLevel::kInfo, {work->CallbackTag()});
@@ -266,6 +273,7 @@ void MPManager::ReleaseWork(const WorkRef& work, LogBatch& log) {
     });
     has_timed_out_.store(!timeout_list_.empty(), std::memory_order_release);
   }
+  Passing(Step::kListed);
   ReclaimTimedOut();  // the last thread may have left, and looked, just before
 }
 
@@ -294,6 +302,7 @@ void MPManager::ThreadExec(ThreadSlot& slot) {
     slot.wake.Wait(kWakeBoundMs);
     // A Set after this Reset leads to another round, so nothing is missed by looking only now.
     slot.wake.Reset();
+    Passing(Step::kAwake);
     ExecFunc(slot);
     ApplyPriority(own, applied);
   }
@@ -330,11 +339,15 @@ void MPManager::ExecFunc(ThreadSlot& slot) {
     if (joined) {
       log.Add(LogFunction::kManagerExecFunc, LogKind::kStep1, LogLevel::kDebug);
       log.Flush();
+      Passing(Step::kJoined);
       RunCallback(*work, slot, log);
+      Passing(Step::kCallbackReturned);
     }
     work = {};
+    Passing(Step::kRecordLetGo);
     UpdateCurrentWork(id, log);
     log.Flush();
+    Passing(Step::kOfferMoved);
     if (slot.terminate) break;
     ReclaimTimedOut();
   }

@@ -5,6 +5,7 @@
 
 #include "mp/block_split.h"
 #include "mp/row_block_worker.h"
+#include "mp/steps.h"
 #include "platform/process.h"
 
 namespace prismo::mp {
@@ -97,6 +98,7 @@ bool Work::TryAccess(int32_t participant, LogBatch& log) {
 }
 
 RowRange Work::GetWork(bool first, LogFunction function, LogBatch& log) {
+  if (!first) Passing(Step::kBlockConverted);
   RowRange range{0, 0};
   bool last = false;
   int32_t to_do_before, to_do, accesses_before, accesses;
@@ -115,7 +117,7 @@ RowRange Work::GetWork(bool first, LogFunction function, LogBatch& log) {
     to_do = BlocksToDo();
     accesses = Accesses();
   }
-  if (last) done_.Set();  // before the log: the submitter is waiting
+  if (last) RaiseDone();  // before the log: the submitter is waiting
 
   log.Add(function, LogKind::kStarted, LogLevel::kDebug,
           {first, static_cast<uint32_t>(to_do_before), static_cast<uint32_t>(accesses_before)});
@@ -126,6 +128,7 @@ RowRange Work::GetWork(bool first, LogFunction function, LogBatch& log) {
   log.Add(function, LogKind::kFinished, LogLevel::kDebug,
           {static_cast<uint32_t>(range.first), static_cast<uint32_t>(range.count),
            static_cast<uint32_t>(to_do), static_cast<uint32_t>(accesses)});
+  if (range.count > 0) Passing(Step::kBlockTaken);
   return range;
 }
 
@@ -147,7 +150,7 @@ void Work::Fail(int32_t participant, LogBatch& log) {
     if (participants_[static_cast<size_t>(participant)].inside) last = Leave();
   }
   if (!last) return;
-  done_.Set();
+  RaiseDone();
   log.Add(LogFunction::kWorkGetWork, LogKind::kStep1, LogLevel::kDebug,
           {static_cast<uint32_t>(BlocksToDo()), static_cast<uint32_t>(Accesses())});
 }
@@ -162,6 +165,12 @@ void Work::TimeOut(LogBatch& log) {
     log.Add(LogFunction::kWorkSetStatus, LogKind::kCalled, LogLevel::kError,
             {Code(prismo::Status::kTimeout)});
   }
+}
+
+void Work::RaiseDone() {
+  Passing(Step::kLastLeft);
+  done_.Set();
+  Passing(Step::kDoneRaised);
 }
 
 void Work::Abandon() {

@@ -102,6 +102,7 @@ class Work : public MPWork, public Counted<Work> {
 
   // Counts the calling thread out, under the lock; true for the last one, who has to raise the event.
   bool Leave();
+  void RaiseDone();
 
   Log& log_;
   const LogFunction worker_;

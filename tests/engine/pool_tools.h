@@ -1,6 +1,7 @@
 // Works with bodies that are lambdas, on pools of their own or on the shared one.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -73,6 +74,9 @@ class RowCounts {
     return true;
   }
   bool All() const { return Exactly(0, counts_.size()); }
+  bool AtMostOnce() const {
+    return std::ranges::all_of(counts_, [](const auto& count) { return count.load() <= 1; });
+  }
 
  private:
   std::vector<std::atomic<int32_t>> counts_;
