@@ -74,6 +74,9 @@ class RowCounts {
     return true;
   }
   bool All() const { return Exactly(0, counts_.size()); }
+  bool Each(int32_t times) const {
+    return std::ranges::all_of(counts_, [&](const auto& count) { return count.load() == times; });
+  }
   bool AtMostOnce() const {
     return std::ranges::all_of(counts_, [](const auto& count) { return count.load() <= 1; });
   }

@@ -2,6 +2,7 @@
 // one a line. They name nothing outside the folder: separators are taken out of them.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -61,11 +62,18 @@ inline std::vector<std::string> ToolWords(const uint8_t* data, size_t size) {
   return words;
 }
 
+// What a demo without a file of its own begins with, for a second.
+inline bool RendersTheScene(const std::vector<std::string>& words) {
+  return !words.empty() && words[0] == "demo" &&
+         std::none_of(words.begin() + 1, words.end(), [](const std::string& word) {
+           return word.ends_with(".rwh") && std::filesystem::exists(word);
+         });
+}
+
 inline void FuzzToolOptions(const uint8_t* data, size_t size) {
   const ToolOptionsFolder folder;
   std::vector<std::string> words = ToolWords(data, size);
-  // Renders a large scene.
-  if (!words.empty() && words[0] == "demo" && words.size() < 2) return;
+  if (RendersTheScene(words)) return;
   words.insert(words.begin(), "prismo");
   std::vector<const char*> argv;
   for (const std::string& word : words) argv.push_back(word.c_str());

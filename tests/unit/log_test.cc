@@ -20,6 +20,12 @@
 #include "support/scoped_environment.h"
 #include "support/temp_folder.h"
 
+#ifndef _WIN32
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
 namespace prismo::mp {
 namespace {
 
@@ -338,6 +344,23 @@ TEST_F(LogTest, AFolderThatIsMissingOrAFileDropsTheLog) {
 }
 
 #ifndef _WIN32
+// A limit on the length of files fails writes as a full disk does.
+TEST_F(LogTest, AFullDiskLeavesNoLog) {
+  Configure("");
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit limit = {60, before.rlim_max};
+  {
+    Log log;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    log.SaveAtTermination();
+    setrlimit(RLIMIT_FSIZE, &before);
+  }
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "logs"));
+  EXPECT_TRUE(SavedFiles().empty());
+}
+
 TEST_F(LogTest, WithoutAFolderTheLogIsDropped) {
   const ScopedEnvironment data("XDG_DATA_HOME", std::nullopt);
   const ScopedEnvironment home("HOME", std::nullopt);

@@ -1,11 +1,14 @@
 // Raw frame files: what is stored, what comes back, and what files that lie about themselves do.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <filesystem>
 #include <numeric>
 #include <random>
 #include <string>
+#include <thread>
 
 #include "PrismoUtl.h"
 #include "fuzz/raw_frame_fuzz.h"
@@ -286,6 +289,29 @@ TEST_F(RawFrame, ArbitraryFilesDoNoHarm) {
     for (uint8_t& byte : file) byte = static_cast<uint8_t>(random() % 3 == 0 ? random() : 0);
     FuzzRawFrame(file.data(), file.size());
   }
+}
+
+// What it had while it was read is there, the rest is as in a file that is short from the start.
+TEST_F(RawFrame, AFileThatShrinksWhileItIsRead) {
+  constexpr uint32_t kSide = 1024;
+  const Bytes content(size_t{kSide} * kSide, 0x77);
+  ASSERT_EQ(SaveRWH(content.data(), PRISMO_MONO8, kSide, kSide, path_.c_str()), UTL_STS_SUCCESS);
+  std::atomic<bool> stop{false};
+  std::thread shrinker([&] {
+    for (uint32_t round = 0; !stop; ++round) {
+      std::filesystem::resize_file(path_, 16 + (round % 2 ? kSide * kSide : round % 50'000));
+    }
+  });
+  for (int round = 0; round < 100; ++round) {
+    ASSERT_EQ(Load(), UTL_STS_SUCCESS);
+    const Bytes loaded = Loaded();
+    // Grown again, the file holds zeros.
+    ASSERT_TRUE(std::ranges::all_of(loaded, [](uint8_t byte) { return byte == 0x77 || byte == 0; }));
+    FreeRWH(loaded_);
+    loaded_ = nullptr;
+  }
+  stop = true;
+  shrinker.join();
 }
 
 TEST_F(RawFrame, FreeingNullDoesNothing) { FreeRWH(nullptr); }

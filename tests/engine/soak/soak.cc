@@ -1,10 +1,12 @@
 // prismo_soak MINUTES: the pool under full load for so long, with every answer checked and memory watched.
+// prismo_soak restarts COUNT: the pool ended and made again so many times, with a work each time.
 #include <malloc.h>
 
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -42,14 +44,42 @@ Holdings WhatTheProcessHolds() {
   return {static_cast<long>(heap), resident, static_cast<long>(files)};
 }
 
-}  // namespace
+void Print(const char* when, const Holdings& held) {
+  std::printf("%s: %ld bytes of heap, %ld pages in memory, %ld open files\n", when, held.heap_bytes,
+              held.resident_pages, held.files);
+}
 
-int main(int argc, char** argv) {
-  const double minutes = argc == 2 ? std::atof(argv[1]) : 0;
-  if (minutes <= 0) {
-    std::fprintf(stderr, "usage: prismo_soak MINUTES\n");
-    return 2;
+// The exit code.
+int RequireNoGrowth(const Holdings& from, const Holdings& to) {
+  const bool grows = to.heap_bytes - from.heap_bytes > 256 * 1024 ||
+                     to.resident_pages - from.resident_pages > 1024 || to.files > from.files;
+  if (grows) std::printf("FAILED: grows\n");
+  return grows;
+}
+
+int Restart(uint32_t count) {
+  constexpr uint32_t kRows = 100, kSettled = 50;
+  prismo::mp::RowCounts rows(kRows);
+  const prismo::mp::Body body = rows.CountingBody();
+  prismo::mp::SharedPoolTarget target;
+  Holdings settled{};
+  for (uint32_t restart = 0; restart < count; ++restart) {
+    if (restart == kSettled) Print("after 50 restarts", settled = WhatTheProcessHolds());
+    target.SetTimeout(60'000);
+    const uint32_t status = target.Exec(body, kRows, 1, 0);
+    target.Terminate();
+    if (status != UTL_STS_SUCCESS || !rows.Each(static_cast<int32_t>(restart) + 1)) {
+      std::printf("FAILED in restart %u: status %08x\n", restart, status);
+      return 1;
+    }
   }
+  const Holdings held = WhatTheProcessHolds();
+  std::printf("%u restarts\n", count);
+  Print("at the end", held);
+  return count > kSettled ? RequireNoGrowth(settled, held) : 0;
+}
+
+int Soak(double minutes) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double, std::ratio<60>>(minutes);
   prismo::mp::SharedPoolTarget target;
   LoadCounts total;
@@ -77,14 +107,19 @@ int main(int argc, char** argv) {
   if (rounds <= 5) return 0;  // too short to say anything of memory
 
   const Holdings held = WhatTheProcessHolds();
-  const long heap_bytes = held.heap_bytes - settled.heap_bytes;
-  const long pages = held.resident_pages - settled.resident_pages;
-  const long files = held.files - settled.files;
-  std::printf("since the sixth round: %ld bytes of heap, %ld pages in memory, %ld open files\n", heap_bytes,
-              pages, files);
-  if (heap_bytes > 256 * 1024 || pages > 1024 || files > 0) {
-    std::printf("FAILED: grows\n");
-    return 1;
+  Print("after six rounds", settled);
+  Print("at the end", held);
+  return RequireNoGrowth(settled, held);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const bool restarts = argc == 3 && std::strcmp(argv[1], "restarts") == 0;
+  const double amount = argc == (restarts ? 3 : 2) ? std::atof(argv[argc - 1]) : 0;
+  if (amount <= 0) {
+    std::fprintf(stderr, "usage: prismo_soak MINUTES | prismo_soak restarts COUNT\n");
+    return 2;
   }
-  return 0;
+  return restarts ? Restart(static_cast<uint32_t>(amount)) : Soak(amount);
 }
