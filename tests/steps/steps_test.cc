@@ -2,6 +2,7 @@
 // its own until another has passed one of its.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -128,18 +129,23 @@ TEST_P(TimeOutBetweenSteps, LosesNothing) {
     }
     EXPECT_EQ(Work::Live(), 0);
   };
-  for (const Step worker : kWorkerSteps) {
-    for (const Step submitter : kSubmitterSteps) {
-      run(worker, submitter, 1, Rows::kQuick);
-      run(submitter, worker, 0, Rows::kQuick);
-      run(submitter, worker, 1, Rows::kSlow);
+  // A busy machine may pass over a step in every call of a round.
+  const auto seen_all = [&] {
+    const auto held = [&](Step step) { return holds[step] > 0; };
+    return std::ranges::all_of(kWorkerSteps, held) && std::ranges::all_of(kSubmitterSteps, held) &&
+           answers[UTL_STS_TIMEOUT] > 0 && answers[UTL_STS_SUCCESS] > 0;
+  };
+  for (int round = 0; round < 20 && !seen_all(); ++round) {
+    for (const Step worker : kWorkerSteps) {
+      for (const Step submitter : kSubmitterSteps) {
+        run(worker, submitter, 1, Rows::kQuick);
+        run(submitter, worker, 0, Rows::kQuick);
+        run(submitter, worker, 1, Rows::kSlow);
+      }
+      run(worker, Step::kReleased, 1, Rows::kThrow);
     }
-    run(worker, Step::kReleased, 1, Rows::kThrow);
   }
-  for (const Step step : kWorkerSteps) EXPECT_GT(holds[step], 0) << "step " << static_cast<int>(step);
-  for (const Step step : kSubmitterSteps) EXPECT_GT(holds[step], 0) << "step " << static_cast<int>(step);
-  EXPECT_GT(answers[UTL_STS_TIMEOUT], 0);
-  EXPECT_GT(answers[UTL_STS_SUCCESS], 0);
+  EXPECT_TRUE(seen_all());
 }
 
 INSTANTIATE_TEST_SUITE_P(Threads, TimeOutBetweenSteps, testing::Values(1, 2),

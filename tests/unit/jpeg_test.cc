@@ -402,6 +402,7 @@ TEST_F(JpegOfFrames, EncoderStatuses) {
   EXPECT_EQ(SaveJpegRaw(frame.data(), PRISMO_MONO8, 8, 8, missing.c_str()), UTL_STS_FILE_NOT_FOUND);
   EXPECT_EQ(SaveJpegRQ(frame.data(), PRISMO_MONO8, 101, 8, 8, path_.c_str()), UTL_STS_INVALID_PARAMETER);
   EXPECT_EQ(SaveJpegRaw(frame.data(), PRISMO_MONO8, 70000, 1, path_.c_str()), UTL_STS_FAILURE);
+  EXPECT_EQ(SaveJpegRaw(frame.data(), PRISMO_MONO8, 0x80000001, 1, path_.c_str()), UTL_STS_FAILURE);
   EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
