@@ -34,4 +34,23 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_TOOLS_DEBUGINFO_PACKAGE ON)
 set(CPACK_COMPONENT_TOOLS_DEPENDS library)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION "The command-line tool: describes, converts, mirrors, makes and compares raw frames.")
+
+# prismo_copyright(<component> <package> [<what is compiled into it>...]): the copyright file of a package, with those
+# of the Debian packages from whose headers part of it is made.
+function(prismo_copyright component package)
+  set(text "PrismoUtl\n\nIts owners have not chosen a licence yet.\n")
+  foreach(part ${ARGN})
+    set(stated /usr/share/doc/${part}/copyright)
+    if(EXISTS ${stated})
+      file(READ ${stated} notice)
+      string(APPEND text "\n${package} has code of ${part} in it, whose copyright file says:\n\n${notice}")
+    endif()
+  endforeach()
+  file(CONFIGURE OUTPUT generated/copyright/${package} CONTENT "@text@" @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/generated/copyright/${package} RENAME copyright
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
+endfunction()
+prismo_copyright(library ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} libhwy-dev)
+prismo_copyright(development libprismoutl-dev)
+prismo_copyright(tools prismo-tools libcli11-dev)
 include(CPack)

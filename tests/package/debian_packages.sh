@@ -23,6 +23,11 @@ dpkg -i "${debs[@]}" "${symbols[@]}" >"$work/log" 2>&1 || { cat "$work/log" && e
 for way in cmake pkg-config tool; do "$here/consume.sh" "$work/$way" "$way"; done
 "$here/completion.sh" /usr
 
+for package in "${packages[@]}"; do [[ -s /usr/share/doc/$package/copyright ]]; done
+grep -q 'Apache-2' /usr/share/doc/libprismoutl1/copyright
+grep -q 'BSD' /usr/share/doc/prismo-tools/copyright
+echo "passed: copyright files"
+
 library=$(readlink -f "$(dpkg -L libprismoutl1 | grep '\.so\.1$')")
 id=$(readelf -n "$library" | sed -n 's/.*Build ID: //p')
 [[ -s /usr/lib/debug/.build-id/${id:0:2}/${id:2}.debug ]]
