@@ -32,8 +32,8 @@ export PYTHONPATH=$root/python PYTHONDONTWRITEBYTECODE=1
 PRISMOUTL_LIBRARY=$(readlink -f "$build/src/libPrismoUtl.so")
 export PRISMOUTL_LIBRARY
 python3() { /usr/bin/python3 -c 'import numpy' 2>/dev/null || return 0 && /usr/bin/python3 "$@"; }
-mcs() { ! command -v mcs >/dev/null || command mcs "$@"; }
-mono() { ! command -v mono >/dev/null || command mono "$@"; }
+mcs() { ! type -P mcs >/dev/null || command mcs "$@"; }
+mono() { ! type -P mono >/dev/null || command mono "$@"; }
 export -f python3 mcs mono
 
 awk '
