@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# aravis.sh WORK TOOL: a live camera, Aravis's own fake one on the loopback. Exit code 77: there is no Aravis here.
+# aravis.sh WORK TOOL: a live camera, Aravis's own fake one on the loopback. Exit code 77: there is no Aravis
+# or no loopback here.
 set -euo pipefail
 work=$1 tool=$2
 camera=arv-fake-gv-camera-0.8
 [[ -x $work/build/aravis_live ]] && command -v "$camera" >/dev/null ||
   { echo "skipped: no libaravis-dev, libusb-1.0-0-dev and aravis-tools here" && exit 77; }
+(: >/dev/udp/127.0.0.1/9) 2>/dev/null || { echo "skipped: no loopback network here" && exit 77; }
 cd -- "$work"
 rm -f live.bmp
 "$camera" -i 127.0.0.1 -s PrismoTest >camera.log 2>&1 &
