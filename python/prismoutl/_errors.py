@@ -35,7 +35,7 @@ class Timeout(Error, TimeoutError):
 class FileOpenError(Error, OSError):
     status = 0x2001
     name = "UTL_STS_FILE_OPEN_ERROR"
-    remedy = "check that the file exists and that its rights allow this"
+    remedy = "check that the file exists, or the folder to write it in, and that the rights allow this"
 
 
 class FileWriteError(Error, OSError):
@@ -59,7 +59,7 @@ class FileNotFound(Error, FileNotFoundError):
 class Failure(Error, RuntimeError):
     status = 0xFFFFFFFF
     name = "UTL_STS_FAILURE"
-    remedy = "the library could not do it"
+    remedy = "memory, threads or the space on the disk ran out"
 
 
 class PoolClosed(Error, RuntimeError):

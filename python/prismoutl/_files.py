@@ -9,9 +9,10 @@ from typing import Any, NamedTuple, Optional, Sequence, Union
 import numpy as np
 
 from ._buffers import Array, address, check_size, check_source
-from ._errors import FileReadError, InvalidParameter, check
+from ._errors import FileOpenError, FileReadError, InvalidParameter, check
 from ._formats import BY_CODE, Format, FormatLike, frame_shape
 from ._native import library
+from ._pool import whole_number
 
 Path = Union[str, "os.PathLike[str]"]
 
@@ -71,8 +72,8 @@ def save_jpeg(path: Path, picture: Array, quality: Optional[int] = None) -> None
         raise ValueError(
             "JPEG files are made of BGR or BGRA pictures, (height, width, 3 or 4), not of grey ones"
         )
-    if quality is not None and not 0 <= quality <= 100:
-        raise ValueError(f"quality is 0 to 100, not {quality}")
+    if quality is not None:
+        quality = whole_number("quality", quality, 0, 100)
     kind = 1 if layout.channels == 3 else 0
     size = layout.width, layout.height
     if quality is None:
@@ -106,6 +107,11 @@ def load_raw(path: Path) -> Frame:
     status = library.LoadRWH(name, None, byref(code), byref(width), byref(height), byref(row_bytes))
     if status != InvalidParameter.status:
         check(status, operation)
+    if os.path.isdir(path):
+        raise FileOpenError(f"{operation}: it is a folder")
+    size = os.stat(path).st_size
+    if size < _HEADER_BYTES:
+        raise FileReadError(f"{operation}: {size} bytes, where the header alone has {_HEADER_BYTES}")
     format = BY_CODE.get(code.value)
     if format is None:
         raise FileReadError(f"{operation}: there is no pixel format with code {code.value:#010x}")
@@ -118,7 +124,6 @@ def load_raw(path: Path) -> Frame:
         raise FileReadError(
             f"{operation}: rows of {row_bytes.value} bytes, where {format.name} of this width has {format.row_bytes(width.value)}"
         )
-    size = os.stat(path).st_size
     if size < needed:
         raise FileReadError(f"{operation}: {size} bytes, where its header says {needed}")
 

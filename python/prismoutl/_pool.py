@@ -3,6 +3,8 @@
 from __future__ import annotations
 
 import contextlib
+import numbers
+import operator
 from typing import Any, Iterator, List, Optional, Tuple, Union
 
 from ._errors import PoolClosed, Timeout, check
@@ -29,12 +31,12 @@ class Pool:
     """
 
     def __init__(self, threads: int = 0, timeout: Optional[float] = 1.0, priority: int = 0) -> None:
-        if threads < 0:
-            raise ValueError(f"threads is 0 (the default) or the number of threads, not {threads}")
+        threads = whole_number("threads", threads, 0, 0x7FFFFFFF, " (0 for one less than there are processors)")
+        if timeout is not None and not isinstance(timeout, numbers.Real):
+            raise TypeError(f"timeout is a number of seconds, or None for ever, not {timeout!r}")
         if timeout is not None and not 0 <= timeout < 4294967:
             raise ValueError(f"timeout is 0 to 4294966 seconds, or None for ever, not {timeout}")
-        if not -2 <= priority <= 2:
-            raise ValueError(f"priority is -2 to 2, not {priority}")
+        priority = whole_number("priority", priority, -2, 2)
         self._open = True
         check(library.StartMPThreads(threads), "starting the pool")
         check(
@@ -69,6 +71,17 @@ class Pool:
 
 
 Threads = Union[None, str, Pool]
+
+
+def whole_number(name: str, value: Any, first: int, last: int, meaning: str = "") -> int:
+    """An argument that is a whole number of a range, of any type that is one."""
+    try:
+        number = operator.index(value)
+    except TypeError:
+        raise TypeError(f"{name} is a whole number{meaning}, not {value!r}") from None
+    if not first <= number <= last:
+        raise ValueError(f"{name} is {first} to {last}{meaning}, not {number}")
+    return number
 
 
 def uses_pool(threads: Threads, height: int) -> bool:

@@ -92,7 +92,8 @@ inline constexpr ErrcText kErrcTexts[] = {
      "writing the file failed; check the space on the disk"},
     {Errc::kFileReadError, "UTL_STS_FILE_READ_ERROR", "reading the file failed, or memory for it ran out"},
     {Errc::kFileNotFound, "UTL_STS_FILE_NOT_FOUND", "no such folder; create it first"},
-    {Errc::kFailure, "UTL_STS_FAILURE", "the library failed, or a work's callback threw"},
+    {Errc::kFailure, "UTL_STS_FAILURE",
+     "the library failed: memory, threads or the space on the disk ran out, or a work's callback threw"},
     {Errc::kUnknownFormat, "unknown format", "no pixel format has this code; PrismoUtl.h lists them"},
     {Errc::kNoConversion, "no conversion",
      "the format has no such conversion; take another layout or method, or reduce the frame to kGrey first"},
@@ -712,14 +713,17 @@ class LoadedFrame {
     // Without a buffer, the header alone.
     const std::uint32_t status = LoadRWH(name.c_str(), nullptr, &code, &width, &height, &row_bytes);
     if (status != UTL_STS_INVALID_PARAMETER) return detail::OfFile(status, name);
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (error) return Result(Errc::kFileOpenError, name);  // a folder
+    constexpr std::uint64_t kHeaderBytes = 16;
+    if (size < kHeaderBytes) return Result(Errc::kFileTooShort, size, kHeaderBytes).About(name);
     const Format format{code};
     if (Result result = detail::CheckSize(format, width, height); !result) return result.About(name);
     if (row_bytes != format.RowBytes(width))
       return Result(Errc::kRowSizeMismatch, row_bytes, format.RowBytes(width)).About(name);
-    std::error_code error;
-    const auto size = std::filesystem::file_size(path, error);
-    const std::uint64_t needed = 16 + FrameBytes(format, width, height);
-    if (error || size < needed) return Result(Errc::kFileTooShort, error ? 0 : size, needed).About(name);
+    const std::uint64_t needed = kHeaderBytes + FrameBytes(format, width, height);
+    if (size < needed) return Result(Errc::kFileTooShort, size, needed).About(name);
 
     std::uint8_t* data = nullptr;
     const Result result =

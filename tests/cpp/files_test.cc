@@ -68,7 +68,8 @@ TEST_F(CppFiles, DamagedRawFramesAreRefused) {
   ExpectLoadFails(folder_ / "huge.rwh", Errc::kFrameTooLarge, "convert it in parts");
 
   WriteFile(folder_ / "empty.rwh", {});
-  ExpectLoadFails(folder_ / "empty.rwh", Errc::kUnknownFormat, "0x00000000");
+  ExpectLoadFails(folder_ / "empty.rwh", Errc::kFileTooShort, "0 given, 16 needed");
+  ExpectLoadFails(folder_ / ".", Errc::kFileOpenError, "check path");
 }
 
 TEST_F(CppFiles, Pictures) {

@@ -133,6 +133,7 @@ class Errors(unittest.TestCase):
                 picture,
             )
             self.expect(ValueError, ["101"], prismoutl.save_jpeg, folder / "p.jpg", picture, 101)
+            self.expect(TypeError, ["quality", "'90'"], prismoutl.save_jpeg, folder / "p.jpg", picture, "90")
             self.expect(ValueError, ["grey"], prismoutl.save_jpeg, folder / "p.jpg", FRAME)
             self.expect(TypeError, ["uint16"], prismoutl.save_bmp, folder / "p.bmp", WORDS)
             self.expect(
@@ -148,13 +149,23 @@ class Errors(unittest.TestCase):
                 (content[:12] + b"\x07" + content[13:], "rows of 7 bytes"),
                 (b"\x02" + content[1:], "0x01080002"),
                 (content[:4] + b"\xff" * 8 + content[12:], "too large"),
-                (b"", "0x00000000"),
+                (content[:15], "15 bytes, where the header alone has 16"),
+                (b"", "0 bytes"),
             ):
                 whole.write_bytes(damaged)
                 self.expect(prismoutl.FileReadError, [str(whole), word], prismoutl.load_raw, whole)
+            self.expect(prismoutl.FileOpenError, [str(folder), "is a folder"], prismoutl.load_raw, folder)
+            self.expect(OSError, [str(folder), "the folder to write it in"], prismoutl.save_bmp, folder, picture)
+            full = prismoutl.save_jpeg, "/dev/full", picture
+            self.expect(prismoutl.Failure, ["/dev/full", "space on the disk"], *full)
 
     def test_pools(self):
         self.expect(ValueError, ["-1"], prismoutl.Pool, threads=-1)
+        self.expect(TypeError, ["threads", "'4'"], prismoutl.Pool, threads="4")
+        self.expect(TypeError, ["threads", "2.5"], prismoutl.Pool, threads=2.5)
+        self.expect(TypeError, ["timeout", "'1'", "seconds"], prismoutl.Pool, timeout="1")
+        self.expect(ValueError, ["timeout", "nan"], prismoutl.Pool, timeout=float("nan"))
+        self.expect(TypeError, ["priority", "None"], prismoutl.Pool, priority=None)
         self.expect(ValueError, ["-3"], prismoutl.Pool, timeout=-3)
         self.expect(ValueError, ["-2 to 2", "3"], prismoutl.Pool, priority=3)
         pool = prismoutl.Pool(threads=1)
