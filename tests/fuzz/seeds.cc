@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "PrismoUtl.h"
+#include "fuzz/conversion_fuzz.h"
 #include "mp/log_file.h"
 #include "mp/log_functions.h"
 #include "support/generators.h"
@@ -148,16 +149,14 @@ std::vector<Bytes> Configurations() {
           BytesOf("Other: INFO\nPrismoUtl: PATH=" + std::string(300, 'y') + "\nPrismoUtl: INFO")};
 }
 
-// Every family of routines with every instruction set: the bytes choose.
+// Every function with a frame that fills vectors, and with one that does not; the bytes choose the rest.
 std::vector<Bytes> Conversions() {
-  constexpr uint8_t kFamilies = 9, kTargets = 6;
   std::vector<Bytes> seeds;
   Random random(9);
-  for (uint8_t family = 0; family < kFamilies; ++family) {
-    for (uint8_t target = 0; target < kTargets; ++target) {
-      const Bytes start{target, 0, static_cast<uint8_t>(target & 1), 3, 0, 64, 0, 12, 0, family, 0};
-      seeds.push_back(start + RandomBytes(80, random));
-    }
+  for (size_t function = 0; function < FuzzConversion::Names().size(); ++function) {
+    const auto place = static_cast<uint8_t>(function);
+    seeds.push_back(FuzzConversion::StartOf(function, place, 64, 12) + RandomBytes(80, random));
+    seeds.push_back(FuzzConversion::StartOf(function, place, 37, 5) + RandomBytes(80, random));
   }
   return seeds;
 }

@@ -13,6 +13,7 @@
 #include "support/compare.h"
 #include "support/generators.h"
 #include "support/guarded_buffer.h"
+#include "support/planes_routines.h"
 #include "support/pool.h"
 #include "support/routines.h"
 #include "support/sweeps.h"
@@ -24,53 +25,6 @@ using reference::Mosaic;
 using reference::PackedFrame;
 using reference::Phase;
 using reference::Planes;
-
-using PlanesRoutineCall = uint32_t (*)(void*, void*, void*, const void*, uint32_t, uint32_t, uint8_t);
-
-struct BayerPlanesRoutine {
-  const char* name;
-  Phase phase;
-  On on;
-  PlanesRoutineCall call;
-};
-
-inline const std::vector<BayerPlanesRoutine>& BayerPlanesRoutines() {
-  using enum Phase;
-  static const std::vector<BayerPlanesRoutine> routines = {
-      {"ByrBG8ToBGRFS_SP", kBg, On::kCaller, ByrBG8ToBGRFS_SP},
-      {"ByrGB8ToBGRFS_SP", kGb, On::kCaller, ByrGB8ToBGRFS_SP},
-      {"ByrGR8ToBGRFS_SP", kGr, On::kCaller, ByrGR8ToBGRFS_SP},
-      {"ByrRG8ToBGRFS_SP", kRg, On::kCaller, ByrRG8ToBGRFS_SP},
-      {"ByrBG8ToBGRFS_MP", kBg, On::kPool, ByrBG8ToBGRFS_MP},
-      {"ByrGB8ToBGRFS_MP", kGb, On::kPool, ByrGB8ToBGRFS_MP},
-      {"ByrGR8ToBGRFS_MP", kGr, On::kPool, ByrGR8ToBGRFS_MP},
-      {"ByrRG8ToBGRFS_MP", kRg, On::kPool, ByrRG8ToBGRFS_MP},
-  };
-  return routines;
-}
-
-struct PackedPlanesRoutine {
-  const char* name;
-  PackedFrame::Order order;
-  On on;
-  std::function<uint32_t(void*, void*, void*, const void*, uint32_t, uint32_t, uint8_t)> call;
-};
-
-inline const std::vector<PackedPlanesRoutine>& PackedPlanesRoutines() {
-  using Order = PackedFrame::Order;
-  static const auto caller = [](uint32_t (*f)(void*, void*, void*, const void*, int32_t, int32_t, uint8_t)) {
-    return [f](void* b, void* g, void* r, const void* s, uint32_t w, uint32_t h, uint8_t pad) {
-      return f(b, g, r, s, static_cast<int32_t>(w), static_cast<int32_t>(h), pad);
-    };
-  };
-  static const std::vector<PackedPlanesRoutine> routines = {
-      {"RGB8PToBGRPlanar_SP", Order::kRgb, On::kCaller, caller(RGB8PToBGRPlanar_SP)},
-      {"BGR8PToBGRPlanar_SP", Order::kBgr, On::kCaller, caller(BGR8PToBGRPlanar_SP)},
-      {"RGB8PToBGRPlanar_MP", Order::kRgb, On::kPool, RGB8PToBGRPlanar_MP},
-      {"BGR8PToBGRPlanar_MP", Order::kBgr, On::kPool, BGR8PToBGRPlanar_MP},
-  };
-  return routines;
-}
 
 // One conversion into three planes at three places.
 class PlanesCheck {

@@ -88,6 +88,14 @@ TEST(ReplayOfAll, EveryFuzzerHasSeedsAndIsReplayed) {
   EXPECT_EQ(fuzzers, replayed);
 }
 
+TEST(ReplayOfAll, SeedsReachEveryConversion) {
+  std::set<std::string> reached;
+  const std::vector<Bytes> seeds = FuzzSeeds().at("conversion");
+  for (const Bytes& seed : seeds) reached.insert(FuzzConversion::NameIn(seed));
+  const std::vector<std::string> all = FuzzConversion::Names();
+  EXPECT_EQ(reached, (std::set<std::string>(all.begin(), all.end())));
+}
+
 // Else the seeds would test little more than the complaints about them.
 TEST(ReplayOfAll, SeedsThatAreWellFormedAreRead) {
   const TempFolder folder;
