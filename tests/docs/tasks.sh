@@ -32,7 +32,7 @@ mentions_in() {
     grep -oE '`[^`]+`' | tr -d '`' | without_comment | grep -E "^($shown)( |$)" || true
 }
 
-# Tests of whole systems take long. They are run by continuous integration, or before a release.
+# Tests of whole systems, and the build for Arm, take long. They are run by continuous integration, or before a release.
 steps() {
   sed -n 's/  *#.*//; /^\.\/dev /p' "$root/.ci/run"
   echo ./dev check-all
@@ -44,7 +44,9 @@ steps() {
 what_is_run() {
   case $1 in
     './dev test'* | './dev check'* | './dev coverage'*)
-      if grep -qxF -- "$1" <<<"$(steps)"; then echo "left to .ci/run or ./dev check-all" && return; fi ;;
+      if grep -qxF -- "$1" <<<"$(steps)"; then echo "left to .ci/run or ./dev check-all" && return; fi ;;&
+    './dev test-arm64 '* | './dev build arm64')
+      if grep -qxF './dev test-arm64' <<<"$(steps)"; then echo "left to ./dev test-arm64" && return; fi ;;
     'ctest -R windows.'*)
       if grep -qF "NAME ${1##* } " "$root/tests/CMakeLists.txt"; then echo "left to ./dev test-windows" && return; fi ;;
   esac
