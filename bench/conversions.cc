@@ -1,6 +1,7 @@
 #include "conversions.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "PrismoUtl.h"
@@ -91,6 +92,14 @@ class Table {
         return ConvRG8RectToBGRA_ACPI(job.target, job.source, width, height, 2, 2, width - 4, height - 4,
                                       width, height, 2, 2, pool);
       });
+      for (const Target& target : {kBgr, kPad}) {
+        Add(std::string("rectangle/RG8/") + target.name, on, PRISMO_BAYER_RG8, target,
+            [pool = on == On::kPool, pad = target.padded](const Job& job) {
+              const auto [width, height] = job.size;
+              return ConvRG8RectToBGR_ACPI(job.target, job.source, width, height, 2, 2, width - 4, height - 4,
+                                           width, height, 2, 2, pad, pool);
+            });
+      }
     }
   }
 
@@ -172,10 +181,11 @@ class Table {
   }
 
   void AddSynthesis() {
-    constexpr Target kRawTargets[] = {{"Mono8", PRISMO_MONO8},   {"Mono12", PRISMO_MONO12},
-                                      {"RGB8", PRISMO_RGB8},     {"RGB12", PRISMO_RGB12},
-                                      {"YUV411", PRISMO_YUV411}, {"YUV422", PRISMO_YUV422},
-                                      {"YUV444", PRISMO_YUV444}};
+    constexpr Target kRawTargets[] = {
+        {"Mono8", PRISMO_MONO8},   {"Mono10", PRISMO_MONO10}, {"Mono12", PRISMO_MONO12},
+        {"RGB8", PRISMO_RGB8},     {"RGB10", PRISMO_RGB10},   {"RGB12", PRISMO_RGB12},
+        {"BGR8", PRISMO_BGR8},     {"BGR10", PRISMO_BGR10},   {"BGR12", PRISMO_BGR12},
+        {"YUV411", PRISMO_YUV411}, {"YUV422", PRISMO_YUV422}, {"YUV444", PRISMO_YUV444}};
     const Source sources[] = {{"BGR8", PRISMO_BGR8}, {"BGRA8", PRISMO_BGRA8}};
     for (const Source& source : sources) {
       for (const Target& target : kRawTargets) {
@@ -185,40 +195,75 @@ class Table {
             });
       }
     }
-    AddMosaic("bayer/BGR8/RG8", ToBayer8to8, {"RG8", PRISMO_BAYER_RG8});
-    AddMosaic("bayer/BGR8/RG12", ToBayer8to12, {"RG12", PRISMO_BAYER_RG12});
+    AddMosaics({"BGR8", PRISMO_BGR8}, 3, {ToBayer8to8, ToBayer8to10, ToBayer8to12});
+    AddMosaics({"BGRA8", PRISMO_BGRA8}, 4, {ToBayer8to8, ToBayer8to10, ToBayer8to12});
+    AddMosaics({"BGR10", PRISMO_BGR10}, 3, {ToBayer10to8, ToBayer10to10, ToBayer10to12});
   }
 
-  void AddMosaic(const char* name, decltype(&ToBayer8to8) mosaic, Target target) {
-    Add(name, On::kCaller, PRISMO_BGR8, target, [mosaic](const Job& job) {
-      constexpr int32_t kRedGreenGreenBlue[] = {2, 1, 1, 0};
-      return mosaic(job.target, job.source, kRedGreenGreenBlue, static_cast<int32_t>(job.size.width),
-                    job.size.height, 3, 0);
-    });
+  // To 8, 10 and 12 bits.
+  void AddMosaics(const Source& source, int32_t channels, std::array<decltype(&ToBayer8to8), 3> mosaics) {
+    constexpr Target kTargets[] = {
+        {"RG8", PRISMO_BAYER_RG8}, {"RG10", PRISMO_BAYER_RG10}, {"RG12", PRISMO_BAYER_RG12}};
+    for (size_t i = 0; i < mosaics.size(); ++i) {
+      Add("bayer/" + source.name + '/' + kTargets[i].name, On::kCaller, source.format, kTargets[i],
+          [mosaic = mosaics[i], channels](const Job& job) {
+            constexpr int32_t kRedGreenGreenBlue[] = {2, 1, 1, 0};
+            return mosaic(job.target, job.source, kRedGreenGreenBlue, static_cast<int32_t>(job.size.width),
+                          job.size.height, channels, 0);
+          });
+    }
   }
 
   void AddFiles() {
-    AddFile("file/BGRA8/bmp", PRISMO_BGRA8, "write", WritePlainly, [](const Job& job) {
+    WritesAsPlainly(AddFile("file/BGRA8/bmp", PRISMO_BGRA8, [](const Job& job) {
       return SaveBmpARGB(job.source, job.size.width, job.size.height, job.path.c_str());
-    });
-    AddFile("file/BGR8/bmp", PRISMO_BGR8, "write", WritePlainly, [](const Job& job) {
+    }));
+    WritesAsPlainly(AddFile("file/BGR8/bmp", PRISMO_BGR8, [](const Job& job) {
       return SaveBmpRGB(job.source, job.size.width, job.size.height, job.path.c_str());
-    });
-    AddFile("file/RG8/raw", PRISMO_BAYER_RG8, "write", WritePlainly, [](const Job& job) {
-      return SaveRWH(job.source, PRISMO_BAYER_RG8, job.size.width, job.size.height, job.path.c_str());
-    });
-    AddFile("file/BGRA8/jpeg90", PRISMO_BGRA8, "TurboJPEG", WriteJpegPlainly, [](const Job& job) {
-      constexpr uint32_t kBgraLayout = 0;
-      return SaveJpegQ(job.source, kBgraLayout, kJpegQuality, job.size.width, job.size.height,
-                       job.path.c_str());
+    }));
+    WritesAsPlainly(AddFile("file/Mono8/bmp", PRISMO_MONO8, [](const Job& job) {
+      return SaveBmpMono(job.source, job.size.width, job.size.height, job.path.c_str());
+    }));
+    WritesAsPlainly(AddFile("file/RG8/raw", PRISMO_BAYER_RG8, SaveRaw));
+    AddLoad();
+    AddJpeg("file/BGRA8/jpeg90", PRISMO_BGRA8, 0);
+    AddJpeg("file/BGR8/jpeg90", PRISMO_BGR8, 1);
+    AddFile("file/RG8/jpeg90", PRISMO_BAYER_RG8, [](const Job& job) {
+      return SaveJpegRQ(job.source, PRISMO_BAYER_RG8, kJpegQuality, job.size.width, job.size.height,
+                        job.path.c_str());
     });
   }
 
-  void AddFile(const char* name, uint32_t format, const char* floor_name, void (*floor)(const Job&),
-               std::function<uint32_t(const Job&)> save) {
+  Conversion& AddFile(const char* name, uint32_t format, std::function<uint32_t(const Job&)> save) {
     Conversion& file = Add(name, On::kCaller, format, {"file", 0}, std::move(save));
-    file.floor_name = floor_name;
-    file.floor = floor;
+    file.writes_file = true;
+    return file;
+  }
+
+  static void WritesAsPlainly(Conversion& file) {
+    file.floor_name = "write";
+    file.floor = WritePlainly;
+  }
+
+  void AddJpeg(const char* name, uint32_t format, uint32_t layout) {
+    AddFile(name, format, [layout](const Job& job) {
+      return SaveJpegQ(job.source, layout, kJpegQuality, job.size.width, job.size.height, job.path.c_str());
+    });
+  }
+
+  static uint32_t SaveRaw(const Job& job) {
+    return SaveRWH(job.source, PRISMO_BAYER_RG8, job.size.width, job.size.height, job.path.c_str());
+  }
+
+  void AddLoad() {
+    Conversion& load =
+        Add("file/raw/RG8", On::kCaller, PRISMO_BAYER_RG8, {"RG8", PRISMO_BAYER_RG8}, [](const Job& job) {
+          uint8_t* target = job.target;
+          return LoadRWH(job.path.c_str(), &target, nullptr, nullptr, nullptr, nullptr);
+        });
+    load.prepare = SaveRaw;
+    load.floor_name = "read";
+    load.floor = ReadPlainly;
   }
 
   // What a call costs whose rows cost nothing: to threads that are awake, and to threads asleep.

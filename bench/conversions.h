@@ -22,7 +22,7 @@ struct Job {
   uint8_t* target;
   size_t target_bytes;
   size_t target_pitch;
-  std::string path;  // of the file to write, where a file is the target
+  std::string path;  // of the file to write or to read, where there is one
 };
 
 struct Target {
@@ -40,6 +40,8 @@ struct Conversion {
   // The same work done plainly, where the limits of the memory are not the measure.
   const char* floor_name = nullptr;
   std::function<void(const Job&)> floor = nullptr;
+  bool writes_file = false;
+  std::function<void(const Job&)> prepare = nullptr;  // once, before the first call
   bool rested = false;  // each call comes after a pause in which the pool's threads fall asleep
 
   // Padded targets are measured two pixels narrower than asked: usual widths need no padding.

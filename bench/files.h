@@ -1,4 +1,4 @@
-// What the library's file writers are held against: the same files, written plainly.
+// What the library's files are held against: the same bytes, written and read plainly.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ inline constexpr uint32_t kJpegQuality = 90;
 // The source as it is, in one system call.
 void WritePlainly(const Job& job);
 
-// A BGRA source through TurboJPEG into memory and from there into the file, 4:2:0.
-void WriteJpegPlainly(const Job& job);
+// As much of the file as the target holds.
+void ReadPlainly(const Job& job);
 
 }  // namespace prismo::bench

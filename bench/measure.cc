@@ -2,13 +2,11 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <stdexcept>
 #include <thread>
 
 #include "PrismoUtl.h"
 #include "memory_limit.h"
-#include "peers.h"
 
 namespace prismo::bench {
 namespace {
@@ -28,19 +26,17 @@ class Stage {
              memory_.Target(),
              conversion_.TargetPitch(size_) * size_.height,
              conversion_.TargetPitch(size_),
-             (std::filesystem::path(conditions.folder) / "prismo_bench.tmp").string()} {
+             conditions.file},
+        peers_(conditions.peers) {
+    if (!GetLUTReady()) PrepareLUT();
     if (conversion_.source_format != 0) DrawFrame(conversion_.source_format, size_, memory_.Source());
     if (row.workers > 0) {
       TerminateMPThreads();
       SetMPTimeout_msec(60'000);
       StartMPThreads(row.workers);
     }
+    if (conversion_.prepare) conversion_.prepare(job_);
     RunOnce();
-  }
-
-  ~Stage() {
-    std::error_code ignored;
-    std::filesystem::remove(job_.path, ignored);
   }
 
   Stage(const Stage&) = delete;
@@ -56,9 +52,8 @@ class Stage {
   }
 
   double BytesMoved() const {
-    std::error_code no_file;
-    const auto file_bytes = std::filesystem::file_size(job_.path, no_file);
-    return static_cast<double>(job_.source_bytes + job_.target_bytes + (no_file ? 0 : file_bytes));
+    const auto file_bytes = conversion_.writes_file ? std::filesystem::file_size(job_.path) : 0;
+    return static_cast<double>(job_.source_bytes + job_.target_bytes + file_bytes);
   }
 
   std::vector<Contestant> Ours() const {
@@ -72,7 +67,7 @@ class Stage {
 
   std::vector<Contestant> Peers() const {
     std::vector<Contestant> peers;
-    for (const PeerLibrary& library : PeerLibraries()) {
+    for (const PeerLibrary& library : peers_) {
       Step run = library.make(conversion_.name, job_, row_.workers > 0 ? row_.workers : 1);
       if (run) peers.push_back({Role::kPeer, library.name, std::move(run)});
     }
@@ -99,6 +94,7 @@ class Stage {
   Size size_;
   Memory memory_;
   Job job_;
+  std::span<const PeerLibrary> peers_;
 };
 
 std::string SizeName(Size size) { return std::to_string(size.width) + 'x' + std::to_string(size.height); }
@@ -110,7 +106,7 @@ std::string Row::Name() const {
   return conversion->name + '/' + threads + '/' + SizeName(size);
 }
 
-std::vector<Row> RowsOf(const std::vector<Size>& sizes) {
+std::vector<Row> RowsOf(std::span<const Size> sizes) {
   std::vector<Row> rows;
   for (const Size size : sizes) {
     for (const Conversion& conversion : Conversions()) {

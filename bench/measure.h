@@ -1,10 +1,12 @@
 // Rows of the result table: a conversion, the threads that run it, a size.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
 #include "conversions.h"
+#include "peers.h"
 #include "race.h"
 #include "results.h"
 
@@ -18,15 +20,16 @@ struct Row {
   std::string Name() const;
 };
 
-std::vector<Row> RowsOf(const std::vector<Size>& sizes);
+std::vector<Row> RowsOf(std::span<const Size> sizes);
 
 struct Conditions {
-  Plan plan;
-  size_t misalignment;
-  std::string folder;  // for files
+  Plan plan{9, 0.002};
+  size_t misalignment = 0;
+  std::string file = {};                    // to write and to read, by rows that do
+  std::span<const PeerLibrary> peers = {};  // to compare with
 };
 
-// Throws when the conversion fails.
+// Throws std::runtime_error when the conversion fails.
 Result Measure(const Row& row, const Conditions& conditions);
 
 // How far the results of each peer are from ours: the mean difference of a byte.

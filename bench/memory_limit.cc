@@ -9,6 +9,7 @@
 #include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"
 #include "hwy/highway.h"
+#include "simd/target_tables.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::bench::HWY_NAMESPACE {
@@ -31,7 +32,7 @@ void Move(std::span<const uint8_t> source, std::span<uint8_t> target) {
   uint8_t* const out_end = out + (target.size() - (misaligned ? kLine - misaligned : 0)) / kLine * kLine;
 
   constexpr int kFraction = 16;
-  const size_t turns = (static_cast<size_t>(out_end - out) + kChunk - 1) / kChunk;
+  const size_t turns = static_cast<size_t>(out_end - out) / kChunk + 1;
   const size_t read_per_turn = (static_cast<size_t>(in_end - in) << kFraction) / turns + 1;
   size_t read_until = 0;
 
@@ -62,18 +63,17 @@ void Move(std::span<const uint8_t> source, std::span<uint8_t> target) {
   if (kStreaming) hwy::FlushStream();
 }
 
-void MoveStreaming(std::span<const uint8_t> source, std::span<uint8_t> target) { Move<true>(source, target); }
-void MovePlain(std::span<const uint8_t> source, std::span<uint8_t> target) { Move<false>(source, target); }
+const VectorLoops& MakeLoops() {
+  static constexpr VectorLoops kLoops{Move<true>, Move<false>};
+  return kLoops;
+}
 
 }  // namespace prismo::bench::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+
 namespace prismo::bench {
-
-HWY_EXPORT(MoveStreaming);
-HWY_EXPORT(MovePlain);
-
 namespace {
 
 // Writes to the target only: reading goes on into the target where that is larger, and writing begins at its
@@ -89,28 +89,21 @@ void Copy(std::span<const uint8_t> source, std::span<uint8_t> target) {
   }
 }
 
-constexpr Limit kLimits[] = {
-    {"memcpy", Copy},
-    {"NT",
-     [](auto source, auto target) {
-       HWY_DYNAMIC_DISPATCH(MoveStreaming)
-       (source, target);
-     }},
-    {"plain",
-     [](auto source, auto target) {
-       HWY_DYNAMIC_DISPATCH(MovePlain)
-       (source, target);
-     }},
-};
+// Whatever PRISMO_SIMD makes of the library, the limit is that of the processor.
+const VectorLoops& WidestLoops() {
+  constexpr simd::TargetTables<VectorLoops> kTables{PRISMO_TARGET_TABLES(MakeLoops)};
+  return kTables.makers[static_cast<size_t>(simd::SupportedTargets().back())]();
+}
 
 }  // namespace
 
-std::span<const Limit> Limits() { return kLimits; }
-
-std::string WidestVectors() {
-  const int64_t targets = static_cast<int64_t>(hwy::SupportedTargets());
-  return hwy::TargetName(targets & -targets);
+std::span<const Limit> Limits() {
+  static const Limit limits[] = {
+      {"memcpy", Copy}, {"NT", WidestLoops().streaming}, {"plain", WidestLoops().plain}};
+  return limits;
 }
+
+const char* WidestVectors() { return simd::Name(simd::SupportedTargets().back()); }
 
 }  // namespace prismo::bench
 #endif

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
 
 namespace prismo::bench {
 
@@ -18,7 +17,13 @@ struct Limit {
 // target written with streaming stores, the same with plain stores.
 std::span<const Limit> Limits();
 
-// The widest vectors that this processor has.
-std::string WidestVectors();
+// The widest vectors that this processor has, in the words of PRISMO_SIMD.
+const char* WidestVectors();
+
+// The loops of one instruction set.
+struct VectorLoops {
+  void (*streaming)(std::span<const uint8_t> source, std::span<uint8_t> target);
+  void (*plain)(std::span<const uint8_t> source, std::span<uint8_t> target);
+};
 
 }  // namespace prismo::bench

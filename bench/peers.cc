@@ -13,6 +13,7 @@ std::span<const PeerLibrary> PeerLibraries() {
 #if PRISMO_BENCH_SWSCALE
     SwscalePeer(),
 #endif
+    TurboJpegPeer(),
   };
   return libraries;
 }

@@ -29,5 +29,6 @@ std::string DescribePeers();
 PeerLibrary OpenCvPeer();
 PeerLibrary LibyuvPeer();
 PeerLibrary SwscalePeer();
+PeerLibrary TurboJpegPeer();
 
 }  // namespace prismo::bench

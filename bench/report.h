@@ -7,15 +7,17 @@
 
 namespace prismo::bench {
 
+// Whether other libraries take part.
+enum class Peers : bool { kNone, kSome };
+
 // What the columns mean.
-std::string Method(int rounds);
+std::string Method(int rounds, Peers peers);
 
 // A table on the standard output, row by row as results come in.
-void PrintHead();
-void PrintRow(const Result& result);
+void PrintHead(Peers peers);
+void PrintRow(const Result& result, Peers peers);
 
-// The machine and one table per kind of thread, sizes side by side, between two marker lines of a Markdown
-// document; a file without them is made or extended.
-void WriteMarkdown(const Report& report, const std::string& path);
+// Three digits that count.
+std::string Milliseconds(double seconds);
 
 }  // namespace prismo::bench

@@ -1,10 +1,14 @@
 #include "results.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
+#include <iostream>
+#include <sstream>
 #include <stdexcept>
-#include <string_view>
+
+#include "format.h"
+#include "json.h"
 
 namespace prismo::bench {
 namespace {
@@ -29,36 +33,16 @@ constexpr struct {
     {"faster_than_caller", &Result::faster_than_caller},
 };
 
-// Our texts hold no control characters.
-std::string Quoted(std::string_view text) {
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c;
-  }
-  return quoted + '"';
-}
+// What carries over between runs, and nearly between machines.
+struct Yardstick {
+  double multiple = 0;  // 0: there is none
+  std::string of = {};
+};
 
-std::string Number(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.6g", value);
-  return text;
-}
-
-// What follows "key": in a line, or nothing.
-std::string_view ValueOf(std::string_view line, const std::string& key) {
-  const std::string label = Quoted(key) + ": ";
-  const size_t at = line.find(label);
-  return at == std::string_view::npos ? std::string_view() : line.substr(at + label.size());
-}
-
-std::string Unquoted(std::string_view value) {
-  std::string text;
-  for (size_t i = 1; i < value.size() && value[i] != '"'; ++i) {
-    if (value[i] == '\\' && i + 1 < value.size()) ++i;
-    text += value[i];
-  }
-  return text;
+Yardstick YardstickOf(const Result& result) {
+  if (result.over_limit > 0) return {result.over_limit, "the limit"};
+  if (result.faster_than_peer > 0) return {1 / result.faster_than_peer, result.peer};
+  return {};
 }
 
 }  // namespace
@@ -74,11 +58,15 @@ void WriteJson(const Report& report, const std::string& path) {
     const Result& result = report.results[i];
     file << (i ? ",\n" : "") << "  {";
     for (const auto& [key, text] : kTexts) file << Quoted(key) << ": " << Quoted(result.*text) << ", ";
-    for (const auto& [key, number] : kNumbers) file << Quoted(key) << ": " << Number(result.*number) << ", ";
+    for (const auto& [key, number] : kNumbers) {
+      file << Quoted(key) << ": " << Format("%.6g", result.*number) << ", ";
+    }
+    file << "\"megapixels_per_second\": " << Format("%.6g", result.pixels / result.seconds / 1e6)
+         << ", \"bytes_per_second\": " << Format("%.6g", result.bytes / result.seconds) << ", ";
     file << "\"all_seconds\": {";
     for (size_t j = 0; j < result.all_seconds.size(); ++j) {
       const auto& [contestant, seconds] = result.all_seconds[j];
-      file << (j ? ", " : "") << Quoted(contestant) << ": " << Number(seconds);
+      file << (j ? ", " : "") << Quoted(contestant) << ": " << Format("%.6g", seconds);
     }
     file << "}}";
   }
@@ -89,37 +77,49 @@ void WriteJson(const Report& report, const std::string& path) {
 
 Report ReadJson(const std::string& path) {
   std::ifstream file(path);
-  if (!file) throw std::runtime_error("cannot read " + path);
+  if (!file) throw std::runtime_error(path + ": cannot be read: " + std::strerror(errno));
+  std::stringstream text;
+  text << file.rdbuf();
+  Json json;
+  try {
+    json = ParseJson(text.str());
+  } catch (const std::invalid_argument& error) {
+    throw std::runtime_error(path + ": " + error.what());
+  }
   Report report;
-  for (std::string line; std::getline(file, line);) {
-    if (const std::string_view fact = ValueOf(line, "fact"); !fact.empty()) {
-      report.machine.push_back(Unquoted(fact));
-    }
-    if (ValueOf(line, "name").empty()) continue;
+  for (const auto& [none, fact] : json["machine"].members) report.machine.push_back(fact["fact"].text);
+  for (const auto& [none, row] : json["results"].members) {
     Result& result = report.results.emplace_back();
-    for (const auto& [key, text] : kTexts) result.*text = Unquoted(ValueOf(line, key));
-    for (const auto& [key, number] : kNumbers) {
-      result.*number = std::strtod(std::string(ValueOf(line, key)).c_str(), nullptr);
-    }
+    for (const auto& [key, text_of] : kTexts) result.*text_of = row[key].text;
+    for (const auto& [key, number_of] : kNumbers) result.*number_of = row[key].number;
+  }
+  if (report.results.empty()) {
+    throw std::runtime_error(path + ": holds no results; a run with --json FILE writes them");
   }
   return report;
 }
 
-int CompareWith(const Report& baseline, const std::vector<Result>& results) {
+int CompareWith(const Report& baseline, const std::string& path, const std::vector<Result>& results) {
   constexpr double kTolerance = 1.10;
   int compared = 0;
   int slower = 0;
   for (const Result& result : results) {
-    for (const Result& before : baseline.results) {
-      if (before.name != result.name || before.over_limit <= 0 || result.over_limit <= 0) continue;
+    const Yardstick now = YardstickOf(result);
+    for (const Result& then : baseline.results) {
+      const Yardstick before = YardstickOf(then);
+      if (then.name != result.name || now.multiple <= 0 || now.of != before.of) continue;
       ++compared;
-      if (result.over_limit <= kTolerance * before.over_limit) continue;
+      if (now.multiple <= kTolerance * before.multiple) continue;
       ++slower;
-      std::printf("slower: %s takes %.2f x the limit, took %.2f\n", result.name.c_str(), result.over_limit,
-                  before.over_limit);
+      std::cout << Format("slower: %s takes %.2f x %s, took %.2f\n", result.name.c_str(), now.multiple,
+                          now.of.c_str(), before.multiple);
     }
   }
-  std::printf("%d of %d rows that the baseline knows became more than 10 %% slower\n", slower, compared);
+  if (compared == 0) {
+    throw std::runtime_error(path + ": has none of the rows of this run; --filter and --size select others");
+  }
+  std::cout << Format("%d of %d rows became more than 10 %% slower than in ", slower, compared) << path
+            << '\n';
   return slower;
 }
 

@@ -30,11 +30,15 @@ struct Report {
   std::vector<Result> results;
 };
 
-// JSON with one result a line; reading understands what writing writes.
+// JSON with one result a line.
 void WriteJson(const Report& report, const std::string& path);
+
+// Throws std::runtime_error when the file holds no results.
 Report ReadJson(const std::string& path);
 
-// Prints the results that need over 10 % more of the limit than they did, and returns how many there are.
-int CompareWith(const Report& baseline, const std::vector<Result>& results);
+// Prints the results that became over 10 % slower in relation to the limit, or to the peer where there is no
+// limit, than they were in the report of this file, and returns how many there are. Throws std::runtime_error
+// when nothing can be compared.
+int CompareWith(const Report& baseline, const std::string& path, const std::vector<Result>& results);
 
 }  // namespace prismo::bench

@@ -33,7 +33,8 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME prismo-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_TOOLS_DEBUGINFO_PACKAGE ON)
 set(CPACK_COMPONENT_TOOLS_DEPENDS library)
-set(CPACK_COMPONENT_TOOLS_DESCRIPTION "The command-line tool: describes, converts, mirrors, makes and compares raw frames.")
+set(CPACK_COMPONENT_TOOLS_DESCRIPTION "The command-line tool: describes, converts, mirrors, makes and compares raw frames,
+and measures how fast that goes.")
 
 # prismo_copyright(<component> <package> [<what is compiled into it>...]): the copyright file of a package, with those
 # of the Debian packages from whose headers part of it is made.
@@ -52,5 +53,5 @@ function(prismo_copyright component package)
 endfunction()
 prismo_copyright(library ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} libhwy-dev)
 prismo_copyright(development libprismoutl-dev)
-prismo_copyright(tools prismo-tools libcli11-dev)
+prismo_copyright(tools prismo-tools libcli11-dev libhwy-dev)
 include(CPack)

@@ -70,10 +70,13 @@ inline bool RendersTheScene(const std::vector<std::string>& words) {
          });
 }
 
+// What measures does it for more than a second.
+inline bool Measures(const std::vector<std::string>& words) { return !words.empty() && words[0] == "bench"; }
+
 inline void FuzzToolOptions(const uint8_t* data, size_t size) {
   const ToolOptionsFolder folder;
   std::vector<std::string> words = ToolWords(data, size);
-  if (RendersTheScene(words)) return;
+  if (RendersTheScene(words) || Measures(words)) return;
   words.insert(words.begin(), "prismo");
   std::vector<const char*> argv;
   for (const std::string& word : words) argv.push_back(word.c_str());

@@ -22,6 +22,7 @@ int Run(int argc, const char* const* argv) {
   AddProbeCommand(app);
   AddLogCommand(app);
   AddDemoCommand(app);
+  AddBenchCommand(app);
   RefuseEmptyValues(app);
   // Only in the end: words that are no command are more worth a complaint than a missing one.
   app.callback([&app] {

@@ -16,5 +16,6 @@ void AddCompareCommand(CLI::App& app);
 void AddProbeCommand(CLI::App& app);
 void AddLogCommand(CLI::App& app);
 void AddDemoCommand(CLI::App& app);
+void AddBenchCommand(CLI::App& app);  // not on Windows
 
 }  // namespace prismo::tool

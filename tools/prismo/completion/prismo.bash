@@ -12,7 +12,7 @@ _prismo() {
     --level) words='debug info warn error fatal' ;;
     --threads) words=caller ;;
     --gain) words=auto ;;
-    --size | --rect | --shift | --black | --gamma | --quality | --border) return ;;
+    --size | --rect | --shift | --black | --gamma | --quality | --border | --filter | --rounds | --min-time | --misalign) return ;;
     *)
       if [[ $word == -* ]]; then
         # shellcheck disable=SC2086 # no command, no word

@@ -20,7 +20,7 @@ function __prismo_words
             echo caller
         case --gain
             echo auto
-        case --size --rect --shift --black --gamma --quality --border
+        case --size --rect --shift --black --gamma --quality --border --filter --rounds --min-time --misalign
         case '*'
             if string match -q -- '-*' (commandline -ct)
                 $prismo (__prismo_command) --help | grep -oE -- '--[a-z][a-z-]*'
