@@ -43,7 +43,7 @@ Step Make(std::string_view conversion, const Job& job, int) {
 }  // namespace
 
 PeerLibrary TurboJpegPeer() {
-  PeerLibrary library{"TurboJPEG", "", Make, {}};
+  PeerLibrary library{"TurboJPEG", PRISMO_BENCH_TURBOJPEG_VERSION, Make, {}};
   for (const auto& [conversion, layout] : LayoutsOf()) library.conversions.push_back(conversion);
   return library;
 }

@@ -51,7 +51,8 @@ what_is_run() {
       if grep -qF "NAME ${1##* } " "$root/tests/CMakeLists.txt"; then echo "left to ./dev test-windows" && return; fi ;;
   esac
   case $1 in
-    './dev bench --all'*) echo "$1 --size 320x240 --rounds 1" ;;
+    './dev bench' | './dev bench --all'* | './dev bench --json '*) echo "$1 --size 320x240 --rounds 1" ;;
+    './dev bench --compare') echo './dev bench --from bench/baseline.json --compare' ;;
     './dev bench '*' --compare '*) echo "./dev bench --from ${1##* } --compare ${1##* }" ;;
     './dev fuzz') echo './dev fuzz log_text 1' ;;
     './dev soak MINUTES') echo './dev soak 1' ;;
