@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <stdexcept>
+#include <utility>
 
 namespace prismo::bench {
 namespace {
@@ -42,10 +43,11 @@ class Parser {
         SkipSpace();
         std::string name = String();
         Require(Take(":"));
-        value.members.emplace_back(std::move(name), Value(depth + 1));
+        value.members.push_back(Value(depth + 1));
+        value.members.back().name = std::move(name);
       });
     } else if (Take("[")) {
-      TakeMembers("]", [&] { value.members.emplace_back("", Value(depth + 1)); });
+      TakeMembers("]", [&] { value.members.push_back(Value(depth + 1)); });
     } else if (rest_.starts_with('"')) {
       value.text = String();
     } else if (!Take("true") && !Take("false") && !Take("null")) {
@@ -98,12 +100,10 @@ class Parser {
 
 }  // namespace
 
-const Json& Json::operator[](std::string_view name) const {
+const Json& Json::operator[](std::string_view member) const {
   static const Json kNone;
-  for (const auto& [member, value] : members) {
-    if (member == name) return value;
-  }
-  return kNone;
+  const auto found = std::ranges::find(members, member, &Json::name);
+  return found == members.end() ? kNone : *found;
 }
 
 Json ParseJson(std::string_view text) { return Parser(text).Document(); }

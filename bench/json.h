@@ -3,18 +3,18 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace prismo::bench {
 
 struct Json {
-  std::string text;                                   // of a string
-  double number = 0;                                  // of a number
-  std::vector<std::pair<std::string, Json>> members;  // of an object; of an array without names
+  std::string name;           // of a member of an object
+  std::string text;           // of a string
+  double number = 0;          // of a number
+  std::vector<Json> members;  // of an object or an array
 
   // The first member of this name, or one that is empty.
-  const Json& operator[](std::string_view name) const;
+  const Json& operator[](std::string_view member) const;
 };
 
 // Throws std::invalid_argument. Letters given by their codes (\u) become question marks.

@@ -87,8 +87,8 @@ Report ReadJson(const std::string& path) {
     throw std::runtime_error(path + ": " + error.what());
   }
   Report report;
-  for (const auto& [none, fact] : json["machine"].members) report.machine.push_back(fact["fact"].text);
-  for (const auto& [none, row] : json["results"].members) {
+  for (const Json& fact : json["machine"].members) report.machine.push_back(fact["fact"].text);
+  for (const Json& row : json["results"].members) {
     Result& result = report.results.emplace_back();
     for (const auto& [key, text_of] : kTexts) result.*text_of = row[key].text;
     for (const auto& [key, number_of] : kNumbers) result.*number_of = row[key].number;

@@ -243,6 +243,14 @@ std::vector<Bytes> ToolFiles() {
   return seeds;
 }
 
+std::vector<Bytes> Results() {
+  return {BytesOf(R"({"machine": [{"fact": "processor: \"A\u0042\" \\"}], "results": [
+  {"name": "mono/Mono8/BGRA/caller/64x64", "over_limit": 1.25e+0, "all_seconds": {"NT": -1e-9}},
+  {"name": "", "peer": null, "more": [true, false, [], {}]}
+]})"),
+          BytesOf("[[[[[[[[[[[[[[[[[[1]"), BytesOf("\"\\u12"), BytesOf(R"({"a" 1})")};
+}
+
 // Command lines, a word a line.
 std::vector<Bytes> CommandLines() {
   constexpr std::string_view kLines[] = {
@@ -292,8 +300,8 @@ std::vector<Bytes> CommandLines() {
 
 std::map<std::string, std::vector<Bytes>> FuzzSeeds() {
   return {{"config_file", Configurations()}, {"conversion", Conversions()}, {"log_text", LogTexts()},
-          {"raw_frame", RawFrames()},        {"tool_files", ToolFiles()},   {"tool_options", CommandLines()},
-          {"tool_pictures", Pictures()}};
+          {"raw_frame", RawFrames()},        {"results", Results()},        {"tool_files", ToolFiles()},
+          {"tool_options", CommandLines()},  {"tool_pictures", Pictures()}};
 }
 
 std::map<std::string, Bytes> ToolInputs() {

@@ -12,6 +12,7 @@
 #include "fuzz/conversion_fuzz.h"
 #include "fuzz/log_text_fuzz.h"
 #include "fuzz/raw_frame_fuzz.h"
+#include "fuzz/results_fuzz.h"
 #include "fuzz/seeds.h"
 #include "fuzz/tool_files_fuzz.h"
 #include "fuzz/tool_options_fuzz.h"
@@ -24,10 +25,10 @@ namespace {
 using Target = void (*)(const uint8_t* data, size_t size);
 
 const std::map<std::string, Target> kTargets = {
-    {"config_file", FuzzConfigFile},     {"conversion", FuzzConversion::Run},
-    {"log_text", FuzzLogText},           {"raw_frame", FuzzRawFrame},
-    {"tool_files", FuzzToolFiles},       {"tool_options", FuzzToolOptions},
-    {"tool_pictures", FuzzToolPictures},
+    {"config_file", FuzzConfigFile},   {"conversion", FuzzConversion::Run},
+    {"log_text", FuzzLogText},         {"raw_frame", FuzzRawFrame},
+    {"results", FuzzResults},          {"tool_files", FuzzToolFiles},
+    {"tool_options", FuzzToolOptions}, {"tool_pictures", FuzzToolPictures},
 };
 
 class Replay : public testing::TestWithParam<std::string> {

@@ -46,7 +46,7 @@ TEST_F(BenchTest, ATableAndItsJson) {
   const Json json = bench::ParseJson(ReadText(Path("r.json")));
   EXPECT_GE(json["machine"].members.size(), 3u);
   ASSERT_EQ(json["results"].members.size(), 1u);
-  const Json& result = json["results"].members[0].second;
+  const Json& result = json["results"].members[0];
   EXPECT_EQ(result["name"].text, name);
   EXPECT_EQ(result["pixels"].number, 64 * 64);
   EXPECT_EQ(result["bytes"].number, 64 * 64 * 5);
