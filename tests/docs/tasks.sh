@@ -96,27 +96,38 @@ one() {
   local run
   run=$(what_is_run "$(without_comment)")
   printf '\n== %s\n' "$run" >&2
-  [[ $run == 'left to '* ]] || bash -c "$run" </dev/null
+  case $run in
+    'left to '*) ;;
+    sudo*) bash -c "$run" < <(yes) ;;  # apt may ask
+    *) bash -c "$run" </dev/null ;;
+  esac
 }
 
 everything() {
   [[ -n ${IN_FRESH_DEBIAN-} ]] || fail "tasks.sh installs packages and writes files: ./dev test-documents"
-  cd -- "$root"
-  mkdir -p build
   export TASKS=$tasks PIECES=$here/pieces.sh DOCUMENT
-  local document command
+  local document folder=$root command
   while read -r document; do
     printf '\n==== %s\n' "$document"
+    # README.md in the clone, the others in folders where it seems so, with the packages that README.md installed and
+    # its Python environment.
+    if [[ $document != README.md ]]; then
+      folder=$root/build/documents/$document
+      rm -rf -- "$folder"
+      mkdir -p -- "$folder"
+      ln -s "$root"/{dev,build,examples,scripts} "$folder"
+    fi
+    cd -- "$folder"
     DOCUMENT=$root/$document
-    awk -v tasks='"$TASKS" --one' -f "$here/script.awk" "$document" >build/script
-    bash -euo pipefail build/script
-    # All others find the packages that README.md installed, and its Python environment.
+    awk -v tasks='"$TASKS" --one' -f "$here/script.awk" "$DOCUMENT" >script
+    bash -euo pipefail script
     if [[ $document == README.md ]]; then
       rm -rf build/examples
       HOME=$(mktemp -d)
       . build/environment/bin/activate
     fi
   done < <(documents)
+  cd -- "$root"
   printf '\n==== Commands in running text\n'
   mentions | while IFS= read -r command; do one <<<"$command"; done
 }
