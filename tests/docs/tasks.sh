@@ -53,7 +53,6 @@ what_is_run() {
   case $1 in
     './dev bench' | './dev bench --all'* | './dev bench --json '*) echo "$1 --size 320x240 --rounds 1" ;;
     './dev bench --compare') echo './dev bench --from bench/baseline.json --compare' ;;
-    './dev bench '*' --compare '*) echo "./dev bench --from ${1##* } --compare ${1##* }" ;;
     './dev fuzz') echo './dev fuzz log_text 1' ;;
     './dev soak MINUTES') echo './dev soak 1' ;;
     'ctest --test-dir build/'*' -R NAME') echo "${1/NAME/engine.Lifecycle.TerminateAndStartAgain} --no-tests=error" ;;
