@@ -55,8 +55,9 @@ what_is_run() {
     './dev bench --compare') echo './dev bench --from bench/baseline.json --compare' ;;
     './dev fuzz') echo './dev fuzz log_text 1' ;;
     './dev soak MINUTES') echo './dev soak 1' ;;
-    'ctest --test-dir build/'*' -R NAME') echo "${1/NAME/engine.Lifecycle.TerminateAndStartAgain} --no-tests=error" ;;
+    'ctest --test-dir build/'*' -R NAME') echo "${1/NAME/engine.HandOut.ThreadsAreKept} --no-tests=error" ;;
     'ctest -R '*) echo "ctest --test-dir build/release ${1#ctest } --no-tests=error" ;;
+    *--gtest_filter=*) echo "$1 | grep -F 'PASSED  ] 1 test.'" ;;
     'prismo COMMAND --help') echo 'prismo convert --help' ;;
     *) echo "$1" ;;
   esac
