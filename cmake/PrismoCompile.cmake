@@ -54,6 +54,6 @@ if(PRISMO_SANITIZE)
   endif()
 endif()
 if(PRISMO_COVERAGE)
-  add_compile_options(--coverage -fprofile-update=atomic)  # as threads count side by side
+  add_compile_options(-fprofile-arcs -ftest-coverage -fprofile-update=atomic)  # as threads count side by side
   add_link_options(--coverage)
 endif()

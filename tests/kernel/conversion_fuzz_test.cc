@@ -8,6 +8,7 @@
 
 #include "fuzz/conversion_fuzz.h"
 #include "support/generators.h"
+#include "support/sweeps.h"
 
 namespace prismo::test {
 namespace {
@@ -17,7 +18,8 @@ TEST(ConversionFuzz, GeneratedCalls) {
   Random random(Seed());
   StartMPThreads(1);
   SetMPTimeout_msec(60'000);
-  for (int i = 0; i < 10'000; ++i) {
+  const int calls = kSanitized ? 3'000 : 10'000;
+  for (int i = 0; i < calls; ++i) {
     const std::vector<uint8_t> input = RandomBytes(16 + random.Below(200), random);
     FuzzConversion::Run(input.data(), input.size());
   }
