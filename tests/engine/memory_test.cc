@@ -68,14 +68,35 @@ TEST_F(OutOfMemoryAnywhere, Conversions) {
   }
 }
 
+TEST_F(OutOfMemoryAnywhere, PlanesAndRectangles) {
+  uint8_t* const planes = picture_.data();
+  for (const bool pool : {false, true}) {
+    for (const uint32_t format : {PRISMO_BAYER_GR8, PRISMO_RGB8}) {
+      Check("ConvImagePlanarEx", UTL_STS_FAILURE, [&] {
+        return ConvImagePlanarEx(format, planes, planes + kWidth * kHeight, planes + 2 * kWidth * kHeight,
+                                 frame_.data(), kWidth, kHeight, pool, 1);
+      });
+    }
+    for (const uint32_t kind : {0u, 2u}) {
+      Check("ConvBayerRectEx_ACPI", UTL_STS_FAILURE, [&] {
+        return ConvBayerRectEx_ACPI(kind, PRISMO_BAYER_GB8, picture_.data(), frame_.data(), kWidth, kHeight,
+                                    3, 2, 16, 20, 16, 20, 0, 0, pool);
+      });
+    }
+  }
+}
+
 TEST_F(OutOfMemoryAnywhere, Mirrors) {
-  for (const auto mirror : {RvrsImg_SP, RvrsImg_MP}) {
+  for (const auto mirror : {RvrsImg_SP, RvrsImg_MP, ReverseImg}) {
     Check("RvrsImg", UTL_STS_FAILURE,
           [&] { return mirror(picture_.data(), frame_.data(), PRISMO_MONO8, kWidth, kHeight, 1, 1); });
   }
 }
 
 TEST_F(OutOfMemoryAnywhere, Synthesis) {
+  const int32_t channels[4] = {2, 1, 1, 0};
+  Check("ToBayer8to12", UTL_STS_FAILURE,
+        [&] { return ToBayer8to12(picture_.data(), frame_.data(), channels, kWidth, kHeight, 3, 0); });
   Check("ToRaw", UTL_STS_FAILURE,
         [&] { return ToRaw(picture_.data(), frame_.data(), PRISMO_MONO8, PRISMO_BGR8, kWidth, kHeight, 0); });
 }
