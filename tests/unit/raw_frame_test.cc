@@ -294,7 +294,7 @@ TEST_F(RawFrame, ArbitraryFilesDoNoHarm) {
 #ifndef _WIN32  // where a file that is open keeps its length
 // What it had while it was read is there, the rest is as in a file that is short from the start.
 TEST_F(RawFrame, AFileThatShrinksWhileItIsRead) {
-  constexpr uint32_t kSide = 1024;
+  constexpr uint32_t kSide = 256;
   const Bytes content(size_t{kSide} * kSide, 0x77);
   ASSERT_EQ(SaveRWH(content.data(), PRISMO_MONO8, kSide, kSide, path_.c_str()), UTL_STS_SUCCESS);
   std::atomic<bool> stop{false};
