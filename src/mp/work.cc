@@ -4,7 +4,6 @@
 #include <mutex>
 
 #include "mp/block_split.h"
-#include "mp/row_block_worker.h"
 #include "mp/steps.h"
 #include "platform/process.h"
 
@@ -71,10 +70,7 @@ Work::Work(const WorkRequest& request, int32_t threads, Log& log)
   Lock = &lock_;
   DoneEvent = &done_;
 
-  if (request.job) {
-    Callback = &RunRowBlocks;
-    std::memcpy(job_.data(), request.job->data, request.job->size);
-  }
+  if (request.job) std::memcpy(job_.data(), request.job->data, request.job->size);
   live_.fetch_add(1, std::memory_order_relaxed);
 }
 

@@ -231,6 +231,19 @@ TEST(Exception, ACallbackThatReturnsEarlyIsNeverCountedOut) {
   }));
 }
 
+// Whoever has been told that there are no more blocks because of it has been counted out.
+TEST(Status, ThatACallbackTakesBackStillEndsTheWork) {
+  TestPool pool(1);
+  const Body body = [](MPWork* work) {
+    std::atomic_ref(work->Status).store(5);
+    Drain(work);
+    std::atomic_ref(work->Status).store(UTL_STS_SUCCESS);
+  };
+  const uint32_t status = pool.Exec(body, 100);
+  EXPECT_TRUE(status == 5 || status == UTL_STS_SUCCESS) << status;
+  EXPECT_TRUE(Eventually([] { return Work::Live() == 0; }));
+}
+
 class OutOfMemory : public FreshPool {};
 
 TEST_F(OutOfMemory, FailsTheCallOnly) {

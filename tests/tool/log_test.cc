@@ -57,7 +57,7 @@ TEST_F(LogTest, TextThatCannotBeWritten) {
   const Bytes record(log.end() - 64, log.end());
   for (int i = 1; i < 1000; ++i) log.insert(log.end(), record.begin(), record.end());
   WriteFile(Path("l.pxu"), log);
-  ExpectFailure("log l.pxu -o x.txt", {"prismo: x.txt: ", "is the disk full?"}, "ulimit -f 2; ");
+  ExpectFailure("log l.pxu -o x.txt", {"prismo: x.txt: ", "is the disk full?"}, kFullDisk);
   ExpectFailure("log l.pxu >/dev/full", {"standard output", "No space left"});
 }
 

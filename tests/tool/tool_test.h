@@ -19,6 +19,10 @@ struct Outcome {
   std::string err;
 };
 
+// A prefix of commands: a limit on the length of files fails writes as a full disk does. What a build for
+// coverage has counted does not fit either, and is not to replace what others have.
+inline constexpr char kFullDisk[] = "export GCOV_PREFIX=/dev/null GCOV_ERROR_FILE=/dev/null; ulimit -f 2; ";
+
 class ToolTest : public testing::Test {
  protected:
   // `arguments` and `prefix` (what stands before the command) are shell text; the working folder is `folder`.

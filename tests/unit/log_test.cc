@@ -351,8 +351,10 @@ TEST_F(LogTest, AFullDiskLeavesNoLog) {
   rlimit before;
   ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
   const rlimit limit = {60, before.rlim_max};
-  {
+  for (const uint32_t records :
+       {1, 200}) {  // what is noticed when the file is closed, and while it is written
     Log log;
+    for (uint32_t i = 0; i < records; ++i) log.Record(EventOf(LogLevel::kError, i));
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
     log.SaveAtTermination();
     setrlimit(RLIMIT_FSIZE, &before);
