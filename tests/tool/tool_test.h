@@ -20,8 +20,10 @@ struct Outcome {
 };
 
 // A prefix of commands: a limit on the length of files fails writes as a full disk does. What a build for
-// coverage has counted does not fit either, and is not to replace what others have.
-inline constexpr char kFullDisk[] = "export GCOV_PREFIX=/dev/null GCOV_ERROR_FILE=/dev/null; ulimit -f 2; ";
+// coverage counts would not fit either, and goes elsewhere.
+inline constexpr char kFullDisk[] =
+    "export GCOV_PREFIX=\"$PWD.uncounted\" GCOV_ERROR_FILE=/dev/null; "
+    "trap 'rm -rf \"$GCOV_PREFIX\"' EXIT; ulimit -f 2; ";
 
 class ToolTest : public testing::Test {
  protected:
