@@ -150,8 +150,8 @@ Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize si
   geometry.first_x = kBorder;
   geometry.last_x = width - kBorder - 1;
   geometry.dst_x = kBorder;
-  job.region.columns = green.greens.columns;
-  job.pad_bytes = 0;
+  job.pad_bytes =
+      0;  // written, as the outermost columns are: these come once more, for stores that are aligned
   return mp::RunOnPool(geometry, job, ColourWorkerName(form));
 }
 

@@ -7,78 +7,143 @@
 namespace prismo {
 namespace {
 
-// Frames are converted in strips of columns, so that a few rows of greens fit the stack and the first-level
-// cache.
-constexpr uint32_t kStripColumns = 8192;
+uint32_t DownToBlock(uint32_t column) { return column & ~(kBlockColumns - 1); }
+uint32_t UpToBlock(uint32_t column) { return DownToBlock(column + kBlockColumns - 1); }
 
-// Greens of one row of a strip and of the column on each side of it.
-class GreenRowBuffer {
+// The rows under way of a strip of columns, from top to bottom: split samples of five and greens of three.
+class Ring {
  public:
-  // The row's buffer as if it began at column 0; `first` is the first column of the strip.
-  uint8_t* FromColumnZero(uint32_t first) { return bytes_.data() + kGreenMargin - std::ptrdiff_t{first}; }
+  // For colours of the columns given. The first row whose greens come next is none of the frame's outermost.
+  Ring(const AcpiImages& images, ColumnRange columns, uint32_t first_row)
+      : images_(images),
+        kernels_(CurrentAcpiKernels()),
+        columns_{DownToBlock(columns.begin - std::min(columns.begin, 3u)),
+                 std::min((columns.end + 4) & ~1u, images.frame.width)},
+        green_end_(std::min(columns.end + 1, images.frame.width)),
+        row_(first_row - 1) {
+    for (uint32_t i = 0; i < kSampleRows; ++i) SetSlot(sample_slots_, i, samples_[i]);
+    for (uint32_t i = 0; i < kGreenRows; ++i) SetSlot(green_slots_, i, greens_[i]);
+    for (int32_t dy = first_row == 1 ? 0 : -1; dy <= 2; ++dy) kernels_.split(ToSplit(dy));
+  }
+
+  void NextGreens() {
+    ++row_;
+    if (++sample_slot_ == kSampleRows) sample_slot_ = 0;
+    if (++green_slot_ == kGreenRows) green_slot_ = 0;
+    const bool second_last = row_ + 2 == images_.frame.height;
+    const bool bilinear = row_ == 1 || second_last;
+    const RowToSplit ahead = ToSplit(second_last ? 1 : 2);
+    if (row_ == 1 && !second_last) kernels_.split(ahead);
+    const GreenLines lines{{Samples(-2), Samples(-1), Samples(0), Samples(1), Samples(2)},
+                           bilinear,
+                           bilinear ? nullptr : &ahead};
+    kernels_.green(lines, Row(row_, {columns_.begin, green_end_}), green_slots_[green_slot_]);
+  }
+
+  // Of the row whose greens came last, or of one up to two rows above or below.
+  SplitRow Samples(int32_t dy) const { return {SampleWords(dy)}; }
+
+  // Of the row whose greens came last, or of one up to two rows above.
+  SiteGreens Greens(int32_t dy) const {
+    return {green_slots_[static_cast<uint32_t>(static_cast<int32_t>(green_slot_ + kGreenRows) + dy)]};
+  }
+
+  BayerRow Row(uint32_t y, ColumnRange columns) const {
+    return {images_.frame.width, columns, RoleOf(images_.phase, y), true};
+  }
 
  private:
-  std::array<uint8_t, kStripColumns + 2 * kGreenMargin> bytes_{};
+  static constexpr uint32_t kSampleRows = 5;
+  static constexpr uint32_t kGreenRows = 3;
+
+  struct alignas(64) Words {  // a pair of rows
+    int16_t at[2 * kSplitPitch];
+  };
+
+  // Each slot stands in the table twice, so that neighbours need no wrapping.
+  template <size_t kEntries>
+  void SetSlot(std::array<int16_t*, kEntries>& slots, uint32_t slot, Words& words) const {
+    slots[slot] = slots[slot + kEntries / 2] =
+        words.at + kSplitMargin - static_cast<std::ptrdiff_t>(columns_.begin / 2);
+  }
+
+  int16_t* SampleWords(int32_t dy) const {
+    const uint32_t slot = sample_slot_ + (dy < 0 ? kSampleRows : 0);
+    return sample_slots_[static_cast<uint32_t>(static_cast<int32_t>(slot) + dy)];
+  }
+
+  // In whole blocks, as long as there is memory of the frame to read.
+  RowToSplit ToSplit(int32_t dy) const {
+    const auto [width, height] = images_.frame;
+    const auto y = static_cast<uint32_t>(static_cast<int32_t>(row_) + dy);
+    const auto end =
+        static_cast<uint32_t>(std::min<size_t>(UpToBlock(columns_.end), size_t{width} * (height - y)));
+    return {images_.Line(y), {columns_.begin, end}, width, SampleWords(dy)};
+  }
+
+  const AcpiImages& images_;
+  const AcpiKernels& kernels_;
+  const ColumnRange columns_;
+  const uint32_t green_end_;
+  uint32_t row_;  // whose greens came last
+  uint32_t sample_slot_ = 0;
+  uint32_t green_slot_ = 0;
+  std::array<int16_t*, 2 * kSampleRows> sample_slots_;
+  std::array<int16_t*, 2 * kGreenRows> green_slots_;
+  std::array<Words, kSampleRows> samples_{};
+  std::array<Words, kGreenRows> greens_{};
 };
 
-void ComputeGreens(const AcpiImages& images, uint32_t y, ColumnRange columns, uint8_t* greens) {
-  const uint32_t height = images.frame.height;
-  const BayerRow row{images.frame.width, columns, RoleOf(images.phase, y), y >= 3 && y + 3 < height};
-  if (y < 2 || y + 2 >= height) {
-    const BilinearLines lines{.up = images.Line(y == 0 ? 1 : y - 1),
-                              .mid = images.Line(y),
-                              .down = images.Line(y + 1 == height ? y - 1 : y + 1),
-                              .edge = y == 0 || y + 1 == height,
-                              .shift = 0};
-    CurrentBilinearKernels().green(lines, row, {{greens + columns.begin, nullptr, nullptr}, columns.begin});
-  } else {
-    CurrentAcpiKernels().green(
-        {{images.Line(y - 2), images.Line(y - 1), images.Line(y), images.Line(y + 1), images.Line(y + 2)}},
-        row, greens);
-  }
-}
-
-// Calls use(strip) for the columns in strips.
+// Calls use(strip) for the columns in strips of about the same width.
 template <class Use>
 void ForEachStrip(ColumnRange columns, const Use& use) {
-  for (uint32_t x = columns.begin; x < columns.end; x += std::min(kStripColumns, columns.end - x)) {
-    use(ColumnRange{x, x + std::min(kStripColumns, columns.end - x)});
+  const uint32_t count = columns.end - columns.begin;
+  const uint32_t strips = (count + kStripColumns - 1) / kStripColumns;
+  const uint32_t width = strips == 0 ? 0 : UpToBlock((count + strips - 1) / strips);
+  for (uint32_t x = columns.begin; x < columns.end; x += std::min(width, columns.end - x)) {
+    use(ColumnRange{x, x + std::min(width, columns.end - x)});
   }
 }
 
 }  // namespace
 
+// Strips meet where a row's streaming stores are aligned: no line of memory is written by two of them.
+uint32_t AcpiJob::StripBorder(uint32_t y, uint32_t column) const {
+  if (column == region.columns.begin || column == region.columns.end) return column;
+  const RowTarget target = images.Target(y);
+  const size_t pixel_bytes = PixelBytes(images.layout);
+  const auto address =
+      reinterpret_cast<uintptr_t>(target.plane[0]) + pixel_bytes * (column - target.first_column);
+  for (uint32_t pixels = 0; pixels < kBlockColumns; ++pixels) {
+    if ((address + pixels * pixel_bytes) % kBlockColumns == 0)
+      return std::min(column + pixels, region.columns.end);
+  }
+  return column;
+}
+
 void AcpiJob::Rows(RowRange range) const {
   const AcpiKernels& kernels = CurrentAcpiKernels();
   const ColourRow convert =
       (images.layout == Layout::kBgra ? kernels.bgra : kernels.bgr)[static_cast<size_t>(stores)];
+  if (range.count == 0) return;
   const auto first_row = static_cast<uint32_t>(range.first);
   const uint32_t end_row = first_row + static_cast<uint32_t>(range.count);
 
   ForEachStrip(region.columns, [&](ColumnRange strip) {
-    const ColumnRange green_columns{strip.begin - std::min(strip.begin, 1u),
-                                    std::min(strip.end + 1, images.frame.width)};
-    std::array<GreenRowBuffer, 3> ring;
-    std::array<uint32_t, 3> row_in_ring;
-    row_in_ring.fill(images.frame.height);  // none
-    const auto greens_of = [&](uint32_t y) {
-      uint8_t* const greens = ring[y % 3].FromColumnZero(strip.begin);
-      if (row_in_ring[y % 3] != y) {
-        ComputeGreens(images, y, green_columns, greens);
-        row_in_ring[y % 3] = y;
-      }
-      return greens;
-    };
+    // Rows that begin at the same place of a line of memory all end there, too.
+    const uint32_t end = images.dst_pitch % kBlockColumns == 0
+                             ? StripBorder(first_row, strip.end)
+                             : std::min(strip.end + kBlockColumns, region.columns.end);
+    Ring ring(images, {strip.begin, end}, first_row - 1);
+    ring.NextGreens();
+    ring.NextGreens();
     for (uint32_t y = first_row; y < end_row; ++y) {
+      ring.NextGreens();
       const bool adaptive = y >= region.adaptive_first_row && y <= region.adaptive_last_row;
-      const uint8_t* const own = greens_of(y);
-      ColourLines lines{{images.Line(y - 1), images.Line(y), images.Line(y + 1)}, {own, own, own}, {0, 0}};
-      if (adaptive) {
-        lines.greens[0] = greens_of(y - 1);
-        lines.greens[2] = greens_of(y + 1);
-        lines.adaptive = region.adaptive_columns;
-      }
-      convert(lines, {images.frame.width, strip, RoleOf(images.phase, y), true}, images.Target(y));
+      const ColourLines lines{{ring.Samples(-2), ring.Samples(-1), ring.Samples(0)},
+                              {ring.Greens(-2), ring.Greens(-1), ring.Greens(0)},
+                              adaptive ? region.adaptive_columns : ColumnRange{0, 0}};
+      convert(lines, ring.Row(y, {StripBorder(y, strip.begin), StripBorder(y, strip.end)}), images.Target(y));
     }
   });
   if (pad_bytes != 0) {
@@ -94,11 +159,10 @@ void GreenJob::Rows(RowRange range) const {
   const PutGreens put = images.layout == Layout::kBgra ? kernels.put_bgra : kernels.put_bgr;
   const auto first_row = static_cast<uint32_t>(range.first);
   ForEachStrip(columns, [&](ColumnRange strip) {
-    GreenRowBuffer buffer;
-    uint8_t* const greens = buffer.FromColumnZero(strip.begin);
+    Ring ring(images, strip, first_row);
     for (uint32_t y = first_row; y < first_row + static_cast<uint32_t>(range.count); ++y) {
-      ComputeGreens(images, y, strip, greens);
-      put(greens, strip, images.Target(y));
+      ring.NextGreens();
+      put(ring.Samples(0), ring.Greens(0), ring.Row(y, strip), images.Target(y));
     }
   });
 }

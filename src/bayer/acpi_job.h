@@ -45,6 +45,9 @@ struct AcpiJob {
   simd::StoreKind stores;
 
   void Rows(RowRange range) const;
+
+ private:
+  uint32_t StripBorder(uint32_t y, uint32_t column) const;
 };
 
 // The first work on the pool: greens only.

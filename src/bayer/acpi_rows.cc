@@ -14,217 +14,354 @@ namespace prismo::HWY_NAMESPACE {
 namespace {
 
 // Green and other sites alternate, so one vector of 16-bit lanes holds all sites of one kind of a block:
-// those in the even bytes from `from` on. With one lane there is nothing to tell apart: each block is one
-// site.
+// those of its even bytes or those of its odd ones. With one lane there is nothing to tell apart: each block
+// is one site.
 using DSite = hn::RebindToSigned<D16>;
 using VSite = hn::Vec<DSite>;
+inline constexpr size_t kSites = hn::MaxLanes(DSite());
 
 #if HWY_TARGET == HWY_SCALAR
 HWY_INLINE size_t FirstSite(bool) { return 0; }
-HWY_INLINE VSite Sites(const uint8_t* line, ptrdiff_t first) {
-  return hn::BitCast(DSite(), hn::PromoteTo(D16(), hn::LoadU(D8(), line + first)));
-}
-HWY_INLINE V8 SiteBytes(VSite v, size_t) { return hn::TruncateTo(D8(), hn::BitCast(D16(), v)); }
 #else
 HWY_INLINE size_t FirstSite(bool odd) { return odd ? 1 : 0; }
-// Even and odd sites come from the same load, which is one across cache lines only where it must be.
-HWY_INLINE VSite Sites(const uint8_t* line, ptrdiff_t first) {
-  const auto two = hn::BitCast(D16(), hn::LoadU(D8(), line + (first & ~ptrdiff_t{1})));
-  return hn::BitCast(DSite(), first & 1 ? hn::ShiftRight<8>(two) : hn::And(two, hn::Set(D16(), 0xFF)));
-}
-// Values of 0 to 255 as the even or the odd bytes of a block, zeros between them.
-HWY_INLINE V8 SiteBytes(VSite v, size_t first) {
-  return hn::BitCast(D8(), first == 0 ? v : hn::ShiftLeft<8>(v));
-}
 #endif
 
 HWY_INLINE VSite ClampToByte(VSite v) {
   return hn::Min(hn::Max(v, hn::Zero(DSite())), hn::Set(DSite(), 255));
 }
 
-// Blocks of sites clamped to bytes: `sites` at the odd columns or the even ones, `others` at the rest.
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
-// Packing clamps, a byte permute then spreads the sites.
-HWY_INLINE __m512i SpreadEven() { return _mm512_set4_epi32(0x0F070E06, 0x0D050C04, 0x0B030A02, 0x09010800); }
-HWY_INLINE V8 WithSites(V8 others, VSite sites, bool odd) {
-  const __m512i packed = _mm512_packus_epi16(sites.raw, sites.raw);
-  const __mmask64 where = odd ? 0xAAAAAAAAAAAAAAAA : 0x5555555555555555;
-  return V8{_mm512_mask_shuffle_epi8(others.raw, where, packed, SpreadEven())};
+// A block of bytes from sites that are clamped to 0 to 255, `first` from its first column on and `second`
+// from the next, in kPackedOrder.
+#if HWY_TARGET == HWY_SCALAR
+HWY_INLINE V8 Alternate(VSite first, VSite) {
+  return hn::TruncateTo(D8(), hn::BitCast(D16(), ClampToByte(first)));
 }
-HWY_INLINE V8 TwoSites(VSite sites, VSite others, bool odd) {
-  const __m512i packed =
-      odd ? _mm512_packus_epi16(others.raw, sites.raw) : _mm512_packus_epi16(sites.raw, others.raw);
-  return V8{_mm512_shuffle_epi8(packed, SpreadEven())};
+#elif HWY_ARCH_X86
+HWY_INLINE V8 Pack(VSite first, VSite second) {  // clamps, too
+#if HWY_TARGET <= HWY_AVX3
+  return V8{_mm512_packus_epi16(first.raw, second.raw)};
+#elif HWY_TARGET == HWY_AVX2
+  return V8{_mm256_packus_epi16(first.raw, second.raw)};
+#else
+  return V8{_mm_packus_epi16(first.raw, second.raw)};
+#endif
+}
+HWY_INLINE V8 HalvesToPixels(V8 halves) {
+  alignas(16) static constexpr uint8_t kIndices[16] = {0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15};
+  return hn::TableLookupBytes(halves, hn::LoadDup128(D8(), kIndices));
+}
+HWY_INLINE V8 Alternate(VSite first, VSite second) {
+  const V8 halves = Pack(first, second);
+  return kPackedOrder == Order::kHalves ? halves : HalvesToPixels(halves);
 }
 #else
-HWY_INLINE V8 WithSites(V8 others, VSite sites, bool odd) {
-  return hn::IfThenElse(GreenSites(D8(), !odd), SiteBytes(ClampToByte(sites), FirstSite(odd)), others);
-}
-HWY_INLINE V8 TwoSites(VSite sites, VSite others, bool odd) {
-  return WithSites(SiteBytes(ClampToByte(others), FirstSite(!odd)), sites, odd);
+HWY_INLINE V8 Alternate(VSite first, VSite second) {
+  return hn::BitCast(D8(), hn::Or(ClampToByte(first), hn::ShiftLeft<8>(ClampToByte(second))));
 }
 #endif
 
-// 2 a - b - c
-HWY_INLINE VSite Laplacian(VSite a, VSite b, VSite c) { return hn::Sub(hn::Sub(hn::Add(a, a), b), c); }
+HWY_INLINE V8 InPixelOrder(V8 block) {
+#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR
+  if (kPackedOrder == Order::kHalves) return HalvesToPixels(block);
+#endif
+  return block;
+}
 
-// Interpolates along the direction (a1, a2) or (b1, b2) that has the smaller gradient, with the direction's
-// Laplacian as a correction; the mean of both estimates on a tie. All intermediate values fit 16 bits.
-HWY_INLINE VSite Adaptive(VSite a1, VSite a2, VSite a_laplacian, VSite b1, VSite b2, VSite b_laplacian) {
-  const VSite a_gradient = hn::Add(hn::Abs(hn::Sub(a1, a2)), hn::Abs(a_laplacian));
-  const VSite b_gradient = hn::Add(hn::Abs(hn::Sub(b1, b2)), hn::Abs(b_laplacian));
-  const VSite a_sum = hn::Add(a1, a2);
-  const VSite b_sum = hn::Add(b1, b2);
-  const VSite a = hn::Add(hn::Add(a_sum, a_sum), a_laplacian);
-  const VSite b = hn::Add(hn::Add(b_sum, b_sum), b_laplacian);
+// A block from its green sites and from the others.
+HWY_INLINE V8 Block(VSite at_green, VSite at_other, bool starts_green) {
+  return starts_green ? Alternate(at_green, at_other) : Alternate(at_other, at_green);
+}
+
+// Words of a row, from a block's first column on.
+struct BlockWords {
+  const int16_t* from[2];  // columns 0, 2, 4 ... of the block, and 1, 3, 5 ...
+
+  // Every second column from `column` of the block on.
+  HWY_INLINE VSite At(ptrdiff_t column) const { return hn::LoadU(DSite(), from[column & 1] + (column >> 1)); }
+};
+
+// For block number `block` from column x on; where blocks are of one site, x is the column itself.
+HWY_INLINE BlockWords WordsAt(const int16_t* even, const int16_t* odd, size_t x, bool x_is_odd,
+                              size_t block) {
+  return {{(x_is_odd ? odd : even) + x / 2 + block * kSites,
+           (x_is_odd ? even + 1 : odd) + x / 2 + block * kSites}};
+}
+
+// As OutsideColumns, for sites: every second column from `first` on.
+HWY_INLINE hn::Mask<DSite> OutsideSites(size_t first, ColumnRange inner) {
+  const auto sites_before = [first](size_t column) {
+    return static_cast<uint32_t>(column > first ? (column - first + 1) / 2 : 0);
+  };
+  return OutsideColumns(DSite(), 0, {sites_before(inner.begin), sites_before(inner.end)});
+}
+
+// The site that is the given column, if there is one.
+HWY_INLINE hn::Mask<DSite> SiteAt(size_t first, size_t column) {
+  const bool here =
+      column >= first && column - first < 2 * kSites && (kSites == 1 || (column - first) % 2 == 0);
+  const auto lane = static_cast<int16_t>(here ? static_cast<int>(column - first) / 2 : -1);
+  return hn::Eq(hn::Iota(DSite(), 0), hn::Set(DSite(), lane));
+}
+
+HWY_INLINE VSite Mean(VSite a, VSite b) { return hn::ShiftRight<1>(hn::Add(a, b)); }
+HWY_INLINE VSite Mean(VSite a, VSite b, VSite c, VSite d) {
+  return hn::ShiftRight<2>(hn::Add(hn::Add(a, b), hn::Add(c, d)));
+}
+
+// One of two directions to interpolate along.
+struct Direction {
+  VSite gradient;
+  VSite estimate;  // times four
+
+  // Neighbours a and b, the second difference of the channel that is known at all sites.
+  HWY_INLINE Direction(VSite a, VSite b, VSite laplacian, VSite four_times)
+      : gradient(hn::Add(hn::Abs(hn::Sub(a, b)), hn::Abs(laplacian))), estimate(four_times) {}
+};
+
+// The estimate along the direction of the smaller gradient; the mean of both on a tie. All intermediate
+// values fit 16 bits.
+HWY_INLINE VSite Smoother(const Direction& a, const Direction& b) {
   // Twice the better one, or the sum of both.
-  const VSite twice = hn::Add(hn::IfThenElse(hn::Gt(a_gradient, b_gradient), b, a),
-                              hn::IfThenElse(hn::Gt(b_gradient, a_gradient), a, b));
+  const VSite twice = hn::Add(hn::IfThenElse(hn::Gt(a.gradient, b.gradient), b.estimate, a.estimate),
+                              hn::IfThenElse(hn::Gt(b.gradient, a.gradient), a.estimate, b.estimate));
   return hn::ShiftRight<3>(twice);
 }
 
-// The colour of neighbours a and b at a green site, as their mean difference to green.
-HWY_INLINE VSite AtGreen(VSite green, VSite a, VSite b, VSite a_green, VSite b_green) {
-  const VSite sum = hn::Add(hn::Add(a, b), green);
-  return hn::ShiftRight<2>(hn::Sub(hn::Sub(hn::Add(sum, sum), a_green), b_green));
+constexpr size_t kSplitColumns = 2 * kSites;
+
+HWY_INLINE void SplitBlock(const RowToSplit& row, size_t x) {
+  int16_t* const even = row.words + x / 2;
+  int16_t* const odd = even + kSplitPitch;
+#if HWY_TARGET == HWY_SCALAR
+  *even = row.line[x];
+  *odd = row.line[x + 1];
+#else
+  const DSite d;
+  hwy::Prefetch(row.line + x + row.next_row);
+  const auto both = hn::BitCast(D16(), hn::LoadU(D8(), row.line + x));
+  hn::StoreU(hn::BitCast(d, hn::And(both, hn::Set(D16(), 255))), d, even);
+  hn::StoreU(hn::BitCast(d, hn::ShiftRight<8>(both)), d, odd);
+#endif
 }
 
-template <bool kBorder>
-HWY_INLINE V8 GreenBlock(const uint8_t* const (&lines)[5], size_t x, uint32_t width, auto starts_green) {
-  const size_t first = FirstSite(starts_green);
-  const auto site = [&](size_t line, ptrdiff_t dx)
-                        PRISMO_INLINE { return Sites(lines[line], static_cast<ptrdiff_t>(first) + dx); };
-  const VSite own = site(2, 0);
-  const VSite north = site(1, 0), south = site(3, 0);
-  const VSite west = site(2, -1), east = site(2, 1);
-  const VSite vertical = Laplacian(own, site(0, 0), site(4, 0));
-  const VSite horizontal = Laplacian(own, site(2, -2), site(2, 2));
-  V8 green = WithSites(hn::LoadU(D8(), lines[2]), Adaptive(north, south, vertical, west, east, horizontal),
-                       starts_green);
-  if constexpr (kBorder) {
-    const VSite along = hn::Add(north, south);
-    const VSite cross = hn::ShiftRight<2>(hn::Add(along, hn::Add(west, east)));
-    const V8 second = SiteBytes(cross, first);
-    const V8 outermost = SiteBytes(hn::ShiftRight<1>(along), first);
-    green = hn::IfThenElse(OutsideColumns(D8(), x, {2, width - 2}), second, green);
-    green = hn::IfThenElse(OutsideColumns(D8(), x, {1, width - 1}), outermost, green);
-    green = hn::IfThenElse(GreenSites(D8(), starts_green), hn::LoadU(D8(), lines[2]), green);
+// What remains of the columns behind whole blocks.
+void SplitRest(const RowToSplit& row) {
+  const auto [begin, end] = row.columns;
+  size_t x = end - (end - begin) % kSplitColumns;
+  if (x == end) return;
+  if (end - begin >= kSplitColumns) return SplitBlock(row, end - kSplitColumns);  // overlaps the one before
+  for (; x < end; x += 2) {
+    row.words[x / 2] = row.line[x];
+    row.words[kSplitPitch + x / 2] = row.line[x + 1];
   }
-  return green;
 }
 
-void Green(const GreenLines& info, const BayerRow& row, uint8_t* greens) {
-  const uint8_t* const lines[5] = {LoadedAlone(info.raw[0]), LoadedAlone(info.raw[1]),
-                                   LoadedAlone(info.raw[2]), LoadedAlone(info.raw[3]),
-                                   LoadedAlone(info.raw[4])};
-  const GreenSink sink{greens, 0};
-  CoverRow<StoreKind::kCached, 4>(
-      lines, row, ColumnRange{2, row.width - 2}, sink,
-      [](const uint8_t* const(&at)[5], auto starts_green, V8&, V8& green, V8&)
-          PRISMO_INLINE { green = GreenBlock<false>(at, 0, 0, starts_green); },
-      [&](const uint8_t* const(&at)[5], size_t x, auto starts_green, V8&, V8& green, V8&)
-          PRISMO_INLINE { green = GreenBlock<true>(at, x, row.width, starts_green); });
+void Split(const RowToSplit& row) {
+  for (size_t x = row.columns.begin; x + kSplitColumns <= row.columns.end; x += kSplitColumns)
+    SplitBlock(row, x);
+  SplitRest(row);
 }
 
-// `lines`: raw rows above, of and below the block, then the greens of the same rows.
+HWY_INLINE RowToSplit RowLoadedAlone(const RowToSplit& from) {
+  return {LoadedAlone(from.line),
+          {LoadedAlone(from.columns.begin), LoadedAlone(from.columns.end)},
+          from.next_row,
+          LoadedAlone(from.words)};
+}
+
+void Green(const GreenLines& lines, const BayerRow& row, int16_t* words) {
+  const DSite d;
+  const bool odd = row.role.green_first;  // the sites' columns
+  const auto words_of = [](const SplitRow& split, bool of_odd) {
+    const int16_t* const even = LoadedAlone(split.even);
+    return of_odd ? even + kSplitPitch : even;
+  };
+  const int16_t* const norther = words_of(lines.raw[0], odd);
+  const int16_t* const north_of = words_of(lines.raw[1], odd);
+  const int16_t* const sites = words_of(lines.raw[2], odd);
+  const int16_t* const south_of = words_of(lines.raw[3], odd);
+  const int16_t* const souther = words_of(lines.raw[4], odd);
+  const int16_t* const east_of = words_of(lines.raw[2], !odd) + odd;
+  const uint32_t last = row.width / 2 - 1;
+  const bool bilinear = lines.bilinear;
+  // Splitting goes along: beside the stores of pixels that are under way, its own would fill the queue.
+  const RowToSplit ahead = lines.ahead ? RowLoadedAlone(*lines.ahead) : RowToSplit{};
+  if (lines.ahead) SplitRest(ahead);
+  // Sites i to i + kSites - 1.
+  const auto block = [=](size_t i, auto any_bilinear) PRISMO_INLINE {
+    if (2 * i + kSplitColumns <= ahead.columns.end) SplitBlock(ahead, 2 * i);
+    const auto load = [&](const int16_t* from) PRISMO_INLINE { return LoadedOnce(hn::LoadU(d, from + i)); };
+    const VSite own = hn::LoadU(d, sites + i);
+    const VSite twice = hn::Add(own, own);
+    const VSite north = load(north_of), south = load(south_of);
+    const VSite west = load(east_of - 1), east = load(east_of);
+    const VSite down = hn::Add(north, south), across = hn::Add(west, east);
+    const VSite vertical = hn::Sub(twice, hn::Add(hn::LoadU(d, norther + i), hn::LoadU(d, souther + i)));
+    const VSite horizontal =
+        hn::Sub(twice, hn::Add(hn::LoadU(d, sites + i - 1), hn::LoadU(d, sites + i + 1)));
+    VSite g = ClampToByte(Smoother({north, south, vertical, hn::Add(hn::Add(down, down), vertical)},
+                                   {west, east, horizontal, hn::Add(hn::Add(across, across), horizontal)}));
+    if constexpr (any_bilinear) {
+      // The frame's second columns from the sides, and the outermost ones, along the side.
+      const auto cross = OutsideColumns(d, i, bilinear ? ColumnRange{0, 0} : ColumnRange{1, last});
+      const auto side = OutsideColumns(d, i, odd ? ColumnRange{0, last} : ColumnRange{1, last + 1});
+      g = hn::IfThenElse(cross, Mean(north, south, west, east), g);
+      g = hn::IfThenElse(side, Mean(north, south), g);
+    }
+    hn::StoreU(g, d, words + i);
+    hn::StoreU(hn::Sub(twice, g), d, words + kSplitPitch + i);
+  };
+  size_t i = row.columns.begin / 2;
+  const size_t end = (row.columns.end + 1) / 2;
+  const size_t inner_begin = bilinear ? end : 1;
+  for (; i < end && i < inner_begin; i += kSites) block(i, std::true_type());
+  for (; i < end && i + kSites <= last; i += kSites) block(i, std::false_type());
+  for (; i < end; i += kSites) block(i, std::true_type());
+}
+
+// What the colours of a block are computed from, of the row above, its own and the one below.
+struct ColourWords {
+  BlockWords raw[3], green[3], difference[3];
+
+  HWY_INLINE ColourWords(const ColourLines& lines, size_t x, bool odd, size_t block)
+      : raw{Raw(lines.raw[0], x, odd, block), Raw(lines.raw[1], x, odd, block),
+            Raw(lines.raw[2], x, odd, block)},
+        green{Sites(lines.greens[0].green, x, odd, block), Sites(lines.greens[1].green, x, odd, block),
+              Sites(lines.greens[2].green, x, odd, block)},
+        difference{Sites(lines.greens[0].difference(), x, odd, block),
+                   Sites(lines.greens[1].difference(), x, odd, block),
+                   Sites(lines.greens[2].difference(), x, odd, block)} {}
+
+ private:
+  static HWY_INLINE BlockWords Raw(const SplitRow& row, size_t x, bool odd, size_t block) {
+    return WordsAt(row.even, row.odd(), x, odd, block);
+  }
+  static HWY_INLINE BlockWords Sites(const int16_t* words, size_t x, bool odd, size_t block) {
+    return WordsAt(words, words, x, odd, block);
+  }
+};
+
 template <bool kBorder>
-HWY_INLINE void ColourBlock(const uint8_t* const (&lines)[6], size_t x, uint32_t width, ColumnRange adaptive,
+HWY_INLINE void ColourBlock(const ColourWords& at, size_t x, uint32_t width, ColumnRange adaptive,
                             auto starts_green, V8& row_colour, V8& green, V8& other_colour) {
-  const size_t at_green = FirstSite(!starts_green);
-  const size_t at_other = FirstSite(starts_green);
-  const auto site = [&](size_t line, size_t first, ptrdiff_t dx)
-                        PRISMO_INLINE { return Sites(lines[line], static_cast<ptrdiff_t>(first) + dx); };
-  const VSite north = site(0, at_green, 0), south = site(2, at_green, 0);
-  const VSite west = site(1, at_green, -1), east = site(1, at_green, 1);
-  const VSite own_green = site(1, at_green, 0);
-  const VSite horizontal = AtGreen(own_green, west, east, site(4, at_green, -1), site(4, at_green, 1));
-  const VSite vertical = AtGreen(own_green, north, south, site(3, at_green, 0), site(5, at_green, 0));
+  const auto g = static_cast<ptrdiff_t>(FirstSite(!starts_green));  // the first green site
+  const auto c = static_cast<ptrdiff_t>(FirstSite(starts_green));   // the first other one
 
-  const VSite nw = site(0, at_other, -1), ne = site(0, at_other, 1);
-  const VSite sw = site(2, at_other, -1), se = site(2, at_other, 1);
-  const VSite other_green = site(4, at_other, 0);
-  const VSite anti = Laplacian(other_green, site(3, at_other, 1), site(5, at_other, -1));
-  const VSite main = Laplacian(other_green, site(3, at_other, -1), site(5, at_other, 1));
-  const VSite opposite = Adaptive(ne, sw, anti, nw, se, main);
+  // At green sites a colour is the mean of its two neighbours' as a difference to green.
+  const VSite own_green = at.raw[1].At(g);
+  const auto at_green = [&](VSite a, VSite b) PRISMO_INLINE {
+    return hn::ShiftRight<2>(hn::Add(hn::Add(a, b), hn::Add(own_green, own_green)));
+  };
+  VSite horizontal = at_green(at.difference[1].At(g - 1), at.difference[1].At(g + 1));
+  VSite vertical = at_green(at.difference[0].At(g), at.difference[2].At(g));
 
-  row_colour = WithSites(hn::LoadU(D8(), lines[1]), horizontal, !starts_green);
-  green = hn::LoadU(D8(), lines[4]);
-  other_colour = TwoSites(vertical, opposite, !starts_green);
+  const VSite nw = at.raw[0].At(c - 1), ne = at.raw[0].At(c + 1);
+  const VSite sw = at.raw[2].At(c - 1), se = at.raw[2].At(c + 1);
+  const VSite site_green = at.green[1].At(c);
+  const VSite twice = hn::Add(site_green, site_green);
+  const auto direction = [&](VSite north, VSite south, ptrdiff_t of_north, ptrdiff_t of_south) PRISMO_INLINE {
+    const VSite greens = hn::Add(at.green[0].At(of_north), at.green[2].At(of_south));
+    const VSite differences = hn::Add(at.difference[0].At(of_north), at.difference[2].At(of_south));
+    return Direction(north, south, hn::Sub(twice, greens), hn::Add(twice, differences));
+  };
+  VSite opposite = Smoother(direction(ne, sw, c + 1, c - 1), direction(nw, se, c - 1, c + 1));
+
   if constexpr (kBorder) {
     // Bilinear: averages over the neighbours inside the frame.
-    const auto outside = OutsideColumns(D8(), x, adaptive);
-    const auto left_edge = OutsideColumns(D8(), x, {1, width});
-    const auto right_edge = OutsideColumns(D8(), x, {0, width - 1});
-    const auto green_sites = GreenSites(D8(), starts_green);
-    const auto half = [](VSite a, VSite b) PRISMO_INLINE { return hn::ShiftRight<1>(hn::Add(a, b)); };
-    const auto at_edges = [&](VSite inside, VSite west_side, VSite east_side, size_t first) PRISMO_INLINE {
-      return hn::IfThenElse(
-          left_edge, SiteBytes(east_side, first),
-          hn::IfThenElse(right_edge, SiteBytes(west_side, first), SiteBytes(inside, first)));
+    const auto bilinear = [&](size_t first, VSite inside, VSite west, VSite east) PRISMO_INLINE {
+      return hn::IfThenElse(SiteAt(first, 0), east, hn::IfThenElse(SiteAt(first, width - 1), west, inside));
     };
-    const VSite diagonal = hn::ShiftRight<2>(hn::Add(hn::Add(nw, ne), hn::Add(sw, se)));
-    const V8 row_average = at_edges(half(west, east), west, east, at_green);
-    const V8 other_average = hn::IfThenElse(green_sites, SiteBytes(half(north, south), at_green),
-                                            at_edges(diagonal, half(nw, sw), half(ne, se), at_other));
-    row_colour = hn::IfThenElse(hn::And(outside, green_sites), row_average, row_colour);
-    other_colour = hn::IfThenElse(outside, other_average, other_colour);
+    const auto others = OutsideSites(x + static_cast<size_t>(c), adaptive);
+    const auto greens = OutsideSites(x + static_cast<size_t>(g), adaptive);
+    const VSite west = at.raw[1].At(g - 1), east = at.raw[1].At(g + 1);
+    horizontal = hn::IfThenElse(greens, bilinear(x + static_cast<size_t>(g), Mean(west, east), west, east),
+                                horizontal);
+    vertical = hn::IfThenElse(greens, Mean(at.raw[0].At(g), at.raw[2].At(g)), vertical);
+    opposite = hn::IfThenElse(
+        others, bilinear(x + static_cast<size_t>(c), Mean(nw, ne, sw, se), Mean(nw, sw), Mean(ne, se)),
+        opposite);
   }
+  row_colour = Block(horizontal, at.raw[1].At(c), starts_green);
+  green = Block(own_green, site_green, starts_green);
+  other_colour = Block(vertical, opposite, starts_green);
 }
 
-template <class Sink, StoreKind kStores>
+HWY_INLINE ColourLines LinesLoadedAlone(const ColourLines& from) {
+  return {{{LoadedAlone(from.raw[0].even)}, {LoadedAlone(from.raw[1].even)}, {LoadedAlone(from.raw[2].even)}},
+          {{LoadedAlone(from.greens[0].green)},
+           {LoadedAlone(from.greens[1].green)},
+           {LoadedAlone(from.greens[2].green)}},
+          {}};
+}
+
+template <size_t kBytes, StoreKind kStores>
 void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& target) {
-  const Sink sink{target.plane[0], target.first_column};
+  const PackedSink<kBytes, kPackedOrder> sink{target.plane[0], target.first_column};
   if (kStores == StoreKind::kStreaming && sink.PixelsToAlign(row.columns.begin) == kLanes) {
-    return Colour<Sink, StoreKind::kCached>(info, row, target);
+    return Colour<kBytes, StoreKind::kCached>(info, row, target);
   }
-  const uint8_t* const lines[6] = {LoadedAlone(info.raw[0]),    LoadedAlone(info.raw[1]),
-                                   LoadedAlone(info.raw[2]),    LoadedAlone(info.greens[0]),
-                                   LoadedAlone(info.greens[1]), LoadedAlone(info.greens[2])};
-  CoverRow<kStores, 6>(
-      lines, row, info.adaptive, sink,
-      [](const uint8_t* const(&at)[6], auto starts_green, V8& row_colour, V8& green, V8& other_colour)
-          PRISMO_INLINE { ColourBlock<false>(at, 0, 0, {}, starts_green, row_colour, green, other_colour); },
-      [&](const uint8_t* const(&at)[6], size_t x, auto starts_green, V8& row_colour, V8& green,
-          V8& other_colour) PRISMO_INLINE {
-        ColourBlock<true>(at, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);
+  const bool green_first = row.role.green_first;
+  CoverColumns<kStores>(
+      row, info.adaptive, sink,
+      [lines = LinesLoadedAlone(info), green_first, sink](size_t first, size_t block, auto starts_green,
+                                                          V8& row_colour, V8& green, V8& other_colour)
+          PRISMO_INLINE {
+            const size_t x = first + block * kLanes;
+            if constexpr (kStores == StoreKind::kCached && kLanes > 1) PrepareStores(sink, x);
+            const bool odd = starts_green != green_first;
+            const ColourWords words =
+                kLanes == 1 ? ColourWords(lines, x, odd, 0) : ColourWords(lines, first, odd, block);
+            ColourBlock<false>(words, 0, 0, {}, starts_green, row_colour, green, other_colour);
+          },
+      [&](size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) HWY_ATTR {
+        const ColourWords words(info, x, x % 2 != 0, 0);
+        ColourBlock<true>(words, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);
       });
 }
 
-void PutBgra(const uint8_t* greens, ColumnRange columns, const RowTarget& target) {
+HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels, std::integral_constant<size_t, 4>) {
   const D32 d;
   const hn::Rebind<uint8_t, D32> d_bytes;
   constexpr size_t kPixels = hn::MaxLanes(D32());
-  uint8_t* dst = target.plane[0] + size_t{4} * (columns.begin - target.first_column);
-  size_t x = columns.begin;
-  if constexpr (kPixels > 1) {  // the one-lane target has no vector of four bytes
-    for (; x + kPixels <= columns.end; x += kPixels, dst += 4 * kPixels) {
-      const auto green =
-          hn::BitCast(D8(), hn::ShiftLeft<8>(hn::PromoteTo(d, hn::LoadU(d_bytes, greens + x))));
-      const auto others = hn::And(hn::LoadU(D8(), dst), hn::BitCast(D8(), hn::Set(d, 0xFFFF00FFu)));
-      hn::StoreU(hn::Or(others, green), D8(), dst);
+  for (size_t i = 0; i < kLanes; i += kPixels) {
+    const auto green = hn::BitCast(D8(), hn::ShiftLeft<8>(hn::PromoteTo(d, hn::LoadU(d_bytes, greens + i))));
+    const auto others = hn::And(hn::LoadU(D8(), pixels + 4 * i), hn::BitCast(D8(), hn::Set(d, 0xFFFF00FFu)));
+    hn::StoreU(hn::Or(others, green), D8(), pixels + 4 * i);
+  }
+}
+
+HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels, std::integral_constant<size_t, 3>) {
+  V8 blue, green, red;
+  hn::LoadInterleaved3(D8(), pixels, blue, green, red);
+  hn::StoreInterleaved3(blue, hn::Load(D8(), greens), red, D8(), pixels);
+}
+
+template <size_t kBytes>
+void Put(const SplitRow& raw, const SiteGreens& greens, const BayerRow& row, const RowTarget& target) {
+  uint8_t* pixels = target.plane[0] + kBytes * (row.columns.begin - target.first_column);
+  for (size_t x = row.columns.begin; x < row.columns.end; x += kLanes, pixels += kBytes * kLanes) {
+    const bool odd = x % 2 != 0, starts_green = StartsGreen(row.role, x);
+    const BlockWords samples = WordsAt(raw.even, raw.odd(), x, odd, 0);
+    const BlockWords sites = WordsAt(greens.green, greens.green, x, odd, 0);
+    const VSite at_green = samples.At(static_cast<ptrdiff_t>(FirstSite(!starts_green)));
+    const VSite at_other = sites.At(static_cast<ptrdiff_t>(FirstSite(starts_green)));
+    HWY_ALIGN uint8_t block[kLanes];
+    hn::Store(InPixelOrder(Block(at_green, at_other, starts_green)), D8(), block);
+    const size_t count = std::min<size_t>(row.columns.end - x, kLanes);
+    if (kLanes > 1 && count == kLanes) {  // the one-lane target has no vector of four bytes
+      if constexpr (kLanes > 1) PutBlock(block, pixels, std::integral_constant<size_t, kBytes>());
+    } else {
+      for (size_t i = 0; i < count; ++i) pixels[kBytes * i + 1] = block[i];
     }
   }
-  for (; x < columns.end; ++x, dst += 4) dst[1] = greens[x];
 }
 
-void PutBgr(const uint8_t* greens, ColumnRange columns, const RowTarget& target) {
-  const D8 d;
-  uint8_t* dst = target.plane[0] + size_t{3} * (columns.begin - target.first_column);
-  size_t x = columns.begin;
-  for (; x + kLanes <= columns.end; x += kLanes, dst += 3 * kLanes) {
-    V8 blue, green, red;
-    hn::LoadInterleaved3(d, dst, blue, green, red);
-    hn::StoreInterleaved3(blue, hn::LoadU(d, greens + x), red, d, dst);
-  }
-  for (; x < columns.end; ++x, dst += 3) dst[1] = greens[x];
-}
-
-constexpr AcpiKernels kKernels = {
-    .green = &Green,
-    .bgra = {&Colour<BgraSink, StoreKind::kCached>, &Colour<BgraSink, StoreKind::kStreaming>},
-    .bgr = {&Colour<BgrSink, StoreKind::kCached>, &Colour<BgrSink, StoreKind::kStreaming>},
-    .put_bgra = &PutBgra,
-    .put_bgr = &PutBgr};
+constexpr AcpiKernels kKernels = {.split = &Split,
+                                  .green = &Green,
+                                  .bgra = {&Colour<4, StoreKind::kCached>, &Colour<4, StoreKind::kStreaming>},
+                                  .bgr = {&Colour<3, StoreKind::kCached>, &Colour<3, StoreKind::kStreaming>},
+                                  .put_bgra = &Put<4>,
+                                  .put_bgr = &Put<3>};
 
 }  // namespace
 

@@ -7,26 +7,68 @@
 
 namespace prismo {
 
-struct GreenLines {
-  const uint8_t* raw[5];  // rows y - 2 to y + 2, from column 0
+// Rows are converted in strips of up to this many columns, so that those under way fit the first-level cache.
+inline constexpr uint32_t kStripColumns = 2048;
+inline constexpr uint32_t kBlockColumns = 64;  // of the widest vectors
+
+// Words that are there before and behind those of a strip: kernels read and write whole vectors.
+inline constexpr uint32_t kSplitMargin = 64;
+
+// Rows of words come in pairs, the second one this many words behind the first: one pointer leads to both.
+inline constexpr uint32_t kSplitPitch = (kStripColumns + 3 * kBlockColumns) / 2 + 2 * kSplitMargin;
+
+// Samples of a row as 16-bit words, those of the even and those of the odd columns side by side: column x is
+// [x / 2] of its row of words. A vector then holds sites of one kind, and their neighbours are vectors, too.
+struct SplitRow {
+  const int16_t* even;
+
+  const int16_t* odd() const { return even + kSplitPitch; }
 };
 
-// Greens of the row's columns, to greens[column]. In the frame's two outermost columns on each side they are
-// bilinear.
-using GreenRow = void (*)(const GreenLines& lines, const BayerRow& row, uint8_t* greens);
+// What colours are interpolated from, for the red and blue sites of a row: site x is [x / 2].
+struct SiteGreens {
+  const int16_t* green;
+
+  // Twice the sample less the green.
+  const int16_t* difference() const { return green + kSplitPitch; }
+};
+
+// A row of a frame that is to be split: an even range of columns, of at least one pair. What lies `next_row`
+// bytes further is read ahead.
+struct RowToSplit {
+  const uint8_t* line;  // from column 0
+  ColumnRange columns;
+  size_t next_row;
+  int16_t* words;  // a SplitRow
+};
+
+using SplitColumns = void (*)(const RowToSplit& row);
+
+struct GreenLines {
+  SplitRow raw[5];  // rows y - 2 to y + 2
+  bool bilinear;  // the whole row, for the frame's second and second last; rows y - 2 and y + 2 do not count
+  const RowToSplit* ahead;  // row y + 2, if it is yet to be split
+};
+
+// Greens of the row's sites from an even column on, and their differences. In the frame's two outermost
+// columns on each side they are bilinear. Words behind the row's columns are written, too: up to
+// kSplitMargin.
+using GreenRow = void (*)(const GreenLines& lines, const BayerRow& row, int16_t* words);
 
 struct ColourLines {
-  const uint8_t* raw[3];     // rows y - 1 to y + 1, from column 0
-  const uint8_t* greens[3];  // of the same rows; greens[i][column]
-  ColumnRange adaptive;      // red and blue are bilinear in the other columns
+  SplitRow raw[3];       // rows y - 1 to y + 1
+  SiteGreens greens[3];  // of the same rows
+  ColumnRange adaptive;  // red and blue are bilinear in the other columns
 };
 
 using ColourRow = void (*)(const ColourLines& lines, const BayerRow& row, const RowTarget& target);
 
-// Stores greens[column] as the green bytes of packed pixels.
-using PutGreens = void (*)(const uint8_t* greens, ColumnRange columns, const RowTarget& target);
+// Stores the greens of a row as the green bytes of packed pixels.
+using PutGreens = void (*)(const SplitRow& raw, const SiteGreens& greens, const BayerRow& row,
+                           const RowTarget& target);
 
 struct AcpiKernels {
+  SplitColumns split;
   GreenRow green;
   ColourRow bgra[2];  // [plain stores, streaming stores]
   ColourRow bgr[2];
@@ -35,9 +77,5 @@ struct AcpiKernels {
 };
 
 const AcpiKernels& CurrentAcpiKernels();
-
-// Lines that a ColourRow reads must be readable this many bytes before and behind the columns that it
-// converts.
-inline constexpr uint32_t kGreenMargin = 4;
 
 }  // namespace prismo

@@ -19,14 +19,48 @@ namespace prismo::HWY_NAMESPACE {
 #define PRISMO_OWN_INTERLEAVE 0
 #endif
 
+inline constexpr size_t kCacheLine = 64;
+
+// Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
+// 128-bit lane first those at even places, then those at odd ones, as packing leaves them.
+enum class Order { kPixels, kHalves };
+
+// The byte that holds a pixel.
+template <Order kOrder>
+constexpr size_t PlaceOf(size_t pixel) {
+  return kOrder == Order::kPixels ? pixel : pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
+}
+
+// Byte permutes across a whole block take pixels from anywhere at no extra cost.
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL
+inline constexpr Order kPackedOrder = Order::kHalves;
+#else
+inline constexpr Order kPackedOrder = Order::kPixels;
+#endif
+
 #if PRISMO_OWN_INTERLEAVE
 
-// Bytes B0 G0 R0 A0 B1 ... of one block, as four vectors. The 32-bit permute puts into each 128-bit lane
-// the quarters of the input that the in-lane unpacks then leave in output order.
+// Bytes B0 G0 R0 A0 B1 ... of one block, as four vectors. The permute puts into each 128-bit lane the
+// quarters of the input that the in-lane unpacks then leave in output order.
+template <Order kOrder>
 HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& v3) {
   const D8 d8;
   const D16 d16;
-#if HWY_TARGET != HWY_SSE4
+#if HWY_TARGET <= HWY_AVX3_DL
+  alignas(64) static constexpr auto kTranspose = [] {
+    struct {
+      uint8_t index[64];
+    } t{};
+    for (size_t i = 0; i < 64; ++i) {
+      t.index[i] = static_cast<uint8_t>(PlaceOf<kOrder>(i % 16 / 4 * 16 + i / 16 * 4 + i % 4));
+    }
+    return t;
+  }();
+  const __m512i transpose = _mm512_load_si512(kTranspose.index);
+  b = V8{_mm512_permutexvar_epi8(transpose, b.raw)};
+  g = V8{_mm512_permutexvar_epi8(transpose, g.raw)};
+  r = V8{_mm512_permutexvar_epi8(transpose, r.raw)};
+#elif HWY_TARGET != HWY_SSE4
   const D32 d32;
   constexpr size_t kQuads = kLanes / 16;
   HWY_ALIGN static constexpr auto kTranspose = [] {
@@ -53,7 +87,7 @@ HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& 
 }
 
 // Byte (or 16-byte chunk) j of three interleaved channels comes from element j / 3 of channel j % 3.
-template <size_t kElements, typename Index, size_t kUnit>
+template <size_t kElements, typename Index, size_t kUnit, Order kOrder = Order::kPixels>
 struct Interleave3Indices {
   alignas(64) Index index[3][kElements * kUnit];
   uint64_t third[3];  // lanes that take channel 2
@@ -62,7 +96,7 @@ struct Interleave3Indices {
     for (size_t out = 0; out < 3; ++out) {
       for (size_t i = 0; i < kElements * kUnit; ++i) {
         const size_t j = out * kElements + i / kUnit;
-        const size_t from = (j / 3) * kUnit + i % kUnit;
+        const size_t from = PlaceOf<kOrder>(j / 3) * kUnit + i % kUnit;
         index[out][i] = static_cast<Index>(j % 3 == 1 ? kElements * kUnit + from : from);
         if (j % 3 == 2) third[out] |= uint64_t{1} << i;
       }
@@ -72,8 +106,9 @@ struct Interleave3Indices {
 
 #if HWY_TARGET <= HWY_AVX3_DL
 // Bytes B0 G0 R0 B1 ... of one block, as three vectors.
+template <Order kOrder>
 HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
-  static constexpr Interleave3Indices<64, uint8_t, 1> kIndices;
+  static constexpr Interleave3Indices<64, uint8_t, 1, kOrder> kIndices;
   V8* const out[3] = {&v0, &v1, &v2};
   for (size_t i = 0; i < 3; ++i) {
     const __m512i index = _mm512_load_si512(kIndices.index[i]);
@@ -103,6 +138,7 @@ struct ChunkIndices {
   }
 };
 
+template <Order>
 HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
   static constexpr ChunkIndices kChunks;
   const V8 c0 = InterleavedChunk(b, g, r, kChunks.from[0]);
@@ -131,7 +167,7 @@ HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
 #endif  // PRISMO_OWN_INTERLEAVE
 
 // A packed picture. Store writes one block from pixel x on; streaming stores need it aligned there.
-template <size_t kBytes>
+template <size_t kBytes, Order kOrder = Order::kPixels>
 struct PackedSink {
   static constexpr size_t kPixelBytes = kBytes;
   uint8_t* dst;
@@ -142,12 +178,24 @@ struct PackedSink {
     StoreTo<kStores>(At(x), b, g, r);
   }
 
-  // Writes lanes from .. from + count - 1 of a block whose lane 0 is pixel x. Not by a masked store: it
-  // fetches lines that it writes nothing to, which streaming stores own.
+  // Writes lanes from .. from + count - 1 of a block whose lane 0 is pixel x: whole aligned lines of memory
+  // by streaming stores, if these are wanted. Not by a masked store: it fetches lines that it writes nothing
+  // to, which streaming stores own.
+  template <StoreKind kStores>
   HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8 b, V8 g, V8 r) const {
     HWY_ALIGN uint8_t block[kBytes * kLanes];
     StoreTo<StoreKind::kCached>(block, b, g, r);
-    std::memcpy(At(x + from), block + kBytes * from, kBytes * count);
+    size_t done = kBytes * from;
+    const size_t end = done + kBytes * count;
+    uint8_t* const to = At(x);
+    if constexpr (kStores == StoreKind::kStreaming) {
+      if (from == 0 && reinterpret_cast<uintptr_t>(to) % kCacheLine == 0) {
+        for (; done < end / kCacheLine * kCacheLine; done += kLanes) {
+          Put<kStores>(hn::Load(D8(), block + done), D8(), to + done);
+        }
+      }
+    }
+    std::memcpy(to + done, block + done, end - done);
   }
 
   HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(At(x), kBytes); }
@@ -161,9 +209,9 @@ struct PackedSink {
 #if PRISMO_OWN_INTERLEAVE
   static HWY_INLINE void Interleave(V8 b, V8 g, V8 r, V8 (&v)[4]) {
     if constexpr (kBytes == 4) {
-      Interleave4(b, g, r, hn::Set(D8(), 255), v[0], v[1], v[2], v[3]);
+      Interleave4<kOrder>(b, g, r, hn::Set(D8(), 255), v[0], v[1], v[2], v[3]);
     } else {
-      Interleave3(b, g, r, v[0], v[1], v[2]);
+      Interleave3<kOrder>(b, g, r, v[0], v[1], v[2]);
     }
   }
 #endif
@@ -200,6 +248,7 @@ struct PlanarSink {
     Put<kStores>(r, D8(), plane[2] + x - first);
   }
 
+  template <StoreKind>
   HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8 b, V8 g, V8 r) const {
     HWY_ALIGN uint8_t block[3][kLanes];
     hn::Store(b, D8(), block[0]);
@@ -233,6 +282,7 @@ struct GreenSink {
     Put<kStores>(g, D8(), dst + x - first);
   }
 
+  template <StoreKind>
   HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8, V8 g, V8) const {
     HWY_ALIGN uint8_t block[kLanes];
     hn::Store(g, D8(), block);

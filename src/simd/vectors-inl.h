@@ -62,13 +62,13 @@ HWY_INLINE V8 HighBytes(V16 low, V16 high) {
 #endif
 #endif
 
-// A pointer that is loaded alone. Compilers like to load neighbouring pointers as one vector; where they were
+// A pointer or number that is loaded alone. Compilers like to load neighbours as one vector; where they were
 // stored singly just before, that load waits until every store under way has reached memory, and streaming
 // stores take long.
 template <typename T>
-HWY_INLINE T* LoadedAlone(T* pointer) {
-  asm("" : "+r"(pointer));
-  return pointer;
+HWY_INLINE T LoadedAlone(T scalar) {
+  asm("" : "+r"(scalar));
+  return scalar;
 }
 
 // Copies a part of what vectors were just stored to, in pieces that never cross from one vector to the next:
