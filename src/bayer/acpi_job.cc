@@ -19,7 +19,6 @@ class Ring {
         kernels_(CurrentAcpiKernels()),
         columns_{DownToBlock(columns.begin - std::min(columns.begin, 3u)),
                  std::min((columns.end + 4) & ~1u, images.frame.width)},
-        green_end_(std::min(columns.end + 1, images.frame.width)),
         row_(first_row - 1) {
     for (uint32_t i = 0; i < kSampleRows; ++i) SetSlot(sample_slots_, i, samples_[i]);
     for (uint32_t i = 0; i < kGreenRows; ++i) SetSlot(green_slots_, i, greens_[i]);
@@ -37,7 +36,7 @@ class Ring {
     const GreenLines lines{{Samples(-2), Samples(-1), Samples(0), Samples(1), Samples(2)},
                            bilinear,
                            bilinear ? nullptr : &ahead};
-    kernels_.green(lines, Row(row_, {columns_.begin, green_end_}), green_slots_[green_slot_]);
+    kernels_.green(lines, Row(row_, columns_), green_slots_[green_slot_]);
   }
 
   // Of the row whose greens came last, or of one up to two rows above or below.
@@ -84,7 +83,6 @@ class Ring {
   const AcpiImages& images_;
   const AcpiKernels& kernels_;
   const ColumnRange columns_;
-  const uint32_t green_end_;
   uint32_t row_;  // whose greens came last
   uint32_t sample_slot_ = 0;
   uint32_t green_slot_ = 0;

@@ -97,9 +97,8 @@ HWY_INLINE hn::Mask<DSite> OutsideSites(size_t first, ColumnRange inner) {
 
 // The site that is the given column, if there is one.
 HWY_INLINE hn::Mask<DSite> SiteAt(size_t first, size_t column) {
-  const bool here =
-      column >= first && column - first < 2 * kSites && (kSites == 1 || (column - first) % 2 == 0);
-  const auto lane = static_cast<int16_t>(here ? static_cast<int>(column - first) / 2 : -1);
+  const bool among = column >= first && column < first + 2 * kSites && (column - first) % 2 == 0;
+  const auto lane = static_cast<int16_t>(among ? static_cast<int>(column - first) / 2 : -1);
   return hn::Eq(hn::Iota(DSite(), 0), hn::Set(DSite(), lane));
 }
 

@@ -80,6 +80,20 @@ TEST_F(Adaptive, TallFramesOfEveryPatternEqualTheReference) {
   }
 }
 
+// Wide rows are converted in strips of about 2048 columns, which meet where a row's stores are aligned.
+TEST_F(Adaptive, WideFramesEqualTheReference) {
+  PRISMO_TRACE_SEED();
+  uint32_t i = 0;
+  for (const BayerRoutine& routine : RoutinesOn(On::kCaller)) {
+    for (const Output output : OutputsOf(routine.bgra)) {
+      for (const uint32_t width : {2048u, 2050u, 4098u, 4160u, 6146u}) {
+        CheckCaller(routine, {width, 8, kPatterns[i++ % std::size(kPatterns)]}, output);
+        if (HasFailure()) return;
+      }
+    }
+  }
+}
+
 TEST_F(Adaptive, RefusalsComeInOrder) {
   for (const BayerRoutine& routine : AdaptiveRoutines()) ExpectRefusals(routine);
 }

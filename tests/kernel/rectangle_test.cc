@@ -66,6 +66,21 @@ class RectangleTest : public PoolTest {
   size_t checks_ = 0;
 };
 
+// Several strips of columns, which begin and end anywhere.
+TEST_F(RectangleTest, WideOnesEqualTheReference) {
+  PRISMO_TRACE_SEED();
+  uint32_t left = 2;
+  for (const RectangleRoutine& routine : RectangleRoutines()) {
+    for (const Output output : OutputsOf(routine.bgra)) {
+      const uint32_t width = 2048 + 2 * (left % 37);
+      CheckOnTargets(routine, {width + left + left % 2 + 2, 16, {left, 3, width, 8, width + 1, 9, 1, 1}},
+                     output);
+      if (HasFailure()) return;
+      left += 5;
+    }
+  }
+}
+
 TEST_F(RectangleTest, EveryWidthEqualsTheReference) {
   PRISMO_TRACE_SEED();
   uint32_t i = 0;
