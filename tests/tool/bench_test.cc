@@ -39,7 +39,7 @@ TEST_F(BenchTest, ATableAndItsJson) {
   ASSERT_TRUE(row >> name >> ms >> megapixels >> gigabytes >> over_limit >> spread) << table;
   EXPECT_EQ(name, "mono/Mono8/BGRA/caller/64x64");
   for (const double figure : {ms, megapixels, gigabytes, over_limit}) {
-    EXPECT_GT(figure, 0) << table;
+    EXPECT_GE(figure, 0) << table;  // rounded: a busy machine may show 0.00
     EXPECT_LT(figure, 1e9) << table;
   }
 
