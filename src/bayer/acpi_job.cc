@@ -160,7 +160,7 @@ void GreenJob::Rows(RowRange range) const {
     Ring ring(images, strip, first_row);
     for (uint32_t y = first_row; y < first_row + static_cast<uint32_t>(range.count); ++y) {
       ring.NextGreens();
-      put(ring.Samples(0), ring.Greens(0), ring.Row(y, strip), images.Target(y));
+      put(ring.Samples(0), ring.Greens(0), ring.Row(y, strip), images.Target(y), images.dst_pitch);
     }
   });
 }

@@ -336,9 +336,13 @@ HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels, std::integral_c
 }
 
 template <size_t kBytes>
-void Put(const SplitRow& raw, const SiteGreens& greens, const BayerRow& row, const RowTarget& target) {
+void Put(const SplitRow& raw, const SiteGreens& greens, const BayerRow& row, const RowTarget& target,
+         size_t next_row) {
   uint8_t* pixels = target.plane[0] + kBytes * (row.columns.begin - target.first_column);
   for (size_t x = row.columns.begin; x < row.columns.end; x += kLanes, pixels += kBytes * kLanes) {
+    for (size_t byte = 0; byte < kBytes * kLanes; byte += kCacheLine) {
+      __builtin_prefetch(pixels + next_row + byte, 1);
+    }
     const bool odd = x % 2 != 0, starts_green = StartsGreen(row.role, x);
     const BlockWords samples = WordsAt(raw.even, raw.odd(), x, odd, 0);
     const BlockWords sites = WordsAt(greens.green, greens.green, x, odd, 0);

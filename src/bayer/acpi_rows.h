@@ -63,9 +63,10 @@ struct ColourLines {
 
 using ColourRow = void (*)(const ColourLines& lines, const BayerRow& row, const RowTarget& target);
 
-// Stores the greens of a row as the green bytes of packed pixels.
+// Stores the greens of a row as the green bytes of packed pixels. The pixels that lie `next_row` bytes
+// further are fetched for the next row.
 using PutGreens = void (*)(const SplitRow& raw, const SiteGreens& greens, const BayerRow& row,
-                           const RowTarget& target);
+                           const RowTarget& target, size_t next_row);
 
 struct AcpiKernels {
   SplitColumns split;
