@@ -302,23 +302,23 @@ void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& targe
   const bool green_first = row.role.green_first;
   CoverColumns<kStores>(
       row, info.adaptive, sink,
-      [lines = LinesLoadedAlone(info), green_first, sink](size_t first, size_t block, auto starts_green,
-                                                          V8& row_colour, V8& green, V8& other_colour)
-          PRISMO_INLINE {
-            const size_t x = first + block * kLanes;
-            if constexpr (kStores == StoreKind::kCached && kLanes > 1) PrepareStores(sink, x);
-            const bool odd = starts_green != green_first;
-            const ColourWords words =
-                kLanes == 1 ? ColourWords(lines, x, odd, 0) : ColourWords(lines, first, odd, block);
-            ColourBlock<false>(words, 0, 0, {}, starts_green, row_colour, green, other_colour);
-          },
+      [=, lines = LinesLoadedAlone(info)](size_t first, size_t block, auto starts_green, V8& row_colour,
+                                          V8& green, V8& other_colour) PRISMO_INLINE {
+        const size_t x = first + block * kLanes;
+        if constexpr (kStores == StoreKind::kCached && kLanes > 1) PrepareStores(sink, x);
+        const bool odd = starts_green != green_first;
+        const ColourWords words =
+            kLanes == 1 ? ColourWords(lines, x, odd, 0) : ColourWords(lines, first, odd, block);
+        ColourBlock<false>(words, 0, 0, {}, starts_green, row_colour, green, other_colour);
+      },
       [&](size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) HWY_ATTR {
         const ColourWords words(info, x, x % 2 != 0, 0);
         ColourBlock<true>(words, x, row.width, info.adaptive, starts_green, row_colour, green, other_colour);
       });
 }
 
-HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels, std::integral_constant<size_t, 4>) {
+[[maybe_unused]] HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels,
+                                          std::integral_constant<size_t, 4>) {
   const D32 d;
   const hn::Rebind<uint8_t, D32> d_bytes;
   constexpr size_t kPixels = hn::MaxLanes(D32());
@@ -329,7 +329,8 @@ HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels, std::integral_c
   }
 }
 
-HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels, std::integral_constant<size_t, 3>) {
+[[maybe_unused]] HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels,
+                                          std::integral_constant<size_t, 3>) {
   V8 blue, green, red;
   hn::LoadInterleaved3(D8(), pixels, blue, green, red);
   hn::StoreInterleaved3(blue, hn::Load(D8(), greens), red, D8(), pixels);

@@ -178,18 +178,20 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], const BayerRow& row, C
   for (size_t i = 0; i < kLines; ++i) inner_lines.from[i] = LoadedAlone(lines[i]);
   CoverColumns<kStores>(
       row, inner_columns, sink,
-      [inner, inner_lines, sink](size_t first, size_t block, auto starts_green, V8& row_colour, V8& green,
-                                 V8& other_colour) PRISMO_INLINE {
-        const size_t x = first + block * kLanes;
-        const T* at_x[kLines];
-        for (size_t i = 0; i < kLines; ++i) at_x[i] = inner_lines.from[i] + x;
-        if constexpr (kAhead < kLines) {
-          const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[kAhead]) + kPrefetchBytes;
-          for (size_t byte = 0; byte < kLanes * sizeof(T); byte += kCacheLine) hwy::Prefetch(ahead + byte);
-        }
-        if constexpr (kStores == StoreKind::kCached && kLanes > 1 && sizeof(T) == 1) PrepareStores(sink, x);
-        inner(at_x, starts_green, row_colour, green, other_colour);
-      },
+      [=](size_t first, size_t block, auto starts_green, V8& row_colour, V8& green, V8& other_colour)
+          PRISMO_INLINE {
+            const size_t x = first + block * kLanes;
+            const T* at_x[kLines];
+            for (size_t i = 0; i < kLines; ++i) at_x[i] = inner_lines.from[i] + x;
+            if constexpr (kAhead < kLines) {
+              const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[kAhead]) + kPrefetchBytes;
+              for (size_t byte = 0; byte < kLanes * sizeof(T); byte += kCacheLine)
+                hwy::Prefetch(ahead + byte);
+            }
+            if constexpr (kStores == StoreKind::kCached && kLanes > 1 && sizeof(T) == 1)
+              PrepareStores(sink, x);
+            inner(at_x, starts_green, row_colour, green, other_colour);
+          },
       [&](size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) HWY_ATTR {
         const Window<T, kLines> window(lines, x, row);
         border(window.line, x, starts_green, row_colour, green, other_colour);
