@@ -150,8 +150,7 @@ Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize si
   geometry.first_x = kBorder;
   geometry.last_x = width - kBorder - 1;
   geometry.dst_x = kBorder;
-  job.pad_bytes =
-      0;  // written, as the outermost columns are: these come once more, for stores that are aligned
+  job.pad_bytes = 0;  // written. The outermost columns come once more, so that rows start aligned.
   return mp::RunOnPool(geometry, job, ColourWorkerName(form));
 }
 

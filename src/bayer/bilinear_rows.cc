@@ -252,7 +252,6 @@ constexpr BilinearKernels MakeTable() {
   Fill<BgrSink>(kernels.bgr);
   kernels.planar[0] = &Row<Bytes, PlanarSink, StoreKind::kCached>;
   kernels.planar[1] = &Row<Bytes, PlanarSink, StoreKind::kStreaming>;
-  kernels.green = &Row<Bytes, GreenSink, StoreKind::kCached>;
   return kernels;
 }
 

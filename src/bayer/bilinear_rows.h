@@ -32,7 +32,6 @@ struct BilinearKernels {
   BilinearRow bgra[3][2];  // [samples][plain stores, streaming stores]
   BilinearRow bgr[3][2];
   BilinearRow planar[2];  // bytes only
-  BilinearRow green;      // bytes only, the green plane alone
 };
 
 const BilinearKernels& CurrentBilinearKernels();

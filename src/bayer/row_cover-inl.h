@@ -142,17 +142,23 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
   const Sink inner_sink = sink;  // a copy: `some` takes the address of the original, which keeps it in memory
   // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
   const size_t blocks = (std::max(inner_end, x) - x) / kLanes;
-  const auto inner_block = [&](size_t block, auto starts_green) PRISMO_INLINE {
-    V8 row_colour, green, other_colour;
-    inner(x, block, starts_green, row_colour, green, other_colour);
-    store(inner_sink, x + block * kLanes, row_colour, green, other_colour);
+  const auto inner_blocks = [&](auto starts_green) PRISMO_INLINE {
+    const auto one = [&](size_t block, auto green_first) PRISMO_INLINE {
+      V8 row_colour, green, other_colour;
+      inner(x, block, green_first, row_colour, green, other_colour);
+      store(inner_sink, x + block * kLanes, row_colour, green, other_colour);
+    };
+    for (size_t i = 0; i < blocks; ++i) {
+      one(i, starts_green);
+      if constexpr (kLanes == 1) {  // the next block is the next site
+        if (++i < blocks) one(i, std::bool_constant<!decltype(starts_green)::value>());
+      }
+    }
   };
-  if constexpr (kLanes == 1) {
-    for (size_t i = 0; i < blocks; ++i) inner_block(i, StartsGreen(row.role, x + i));
-  } else if (StartsGreen(row.role, x)) {
-    for (size_t i = 0; i < blocks; ++i) inner_block(i, std::true_type());
+  if (StartsGreen(row.role, x)) {
+    inner_blocks(std::true_type());
   } else {
-    for (size_t i = 0; i < blocks; ++i) inner_block(i, std::false_type());
+    inner_blocks(std::false_type());
   }
   x += blocks * kLanes;
   for (; x + kLanes <= end; x += kLanes) whole(x);

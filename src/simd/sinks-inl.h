@@ -271,28 +271,6 @@ struct PlanarSink {
   }
 };
 
-// One plane, of the second channel.
-struct GreenSink {
-  static constexpr size_t kPixelBytes = 1;
-  uint8_t* dst;
-  size_t first = 0;
-
-  template <StoreKind kStores>
-  HWY_INLINE void Store(size_t x, V8, V8 g, V8) const {
-    Put<kStores>(g, D8(), dst + x - first);
-  }
-
-  template <StoreKind>
-  HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8, V8 g, V8) const {
-    HWY_ALIGN uint8_t block[kLanes];
-    hn::Store(g, D8(), block);
-    std::memcpy(dst + x + from - first, block + from, count);
-  }
-
-  HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(dst + x - first, 1); }
-  HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(dst + x - first, 1); }
-};
-
 }  // namespace prismo::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
