@@ -1,6 +1,11 @@
 // What happens when the library is unloaded or the process exits.
 #include "platform/module.h"
 
+#include "core/kept_pages.h"
 #include "mp/controls.h"
 
-void prismo::platform::AtUnload() noexcept { mp::TerminateThreads(); }
+// Works that were given up come back with their pages when the pool ends.
+void prismo::platform::AtUnload() noexcept {
+  mp::TerminateThreads();
+  ReleaseKeptPages();
+}

@@ -41,37 +41,6 @@ void ConvertBorderRows(const BilinearJob& job) {
   job.Rows({height - bottom, bottom});
 }
 
-// Greens of the middle rows, and their two outermost columns on each side completely, with the rows' pad
-// bytes.
-struct GreenWork {
-  GreenJob greens;
-  simd::StoreKind stores;
-  BilinearRow convert;
-  uint32_t pad_bytes;
-
-  void Rows(RowRange range) const {
-    const AcpiImages& images = greens.images;
-    const uint32_t width = images.frame.width;
-    BilinearJob border{.src = images.src,
-                       .src_pitch = width,
-                       .plane = {images.dst, nullptr, nullptr},
-                       .planes = 1,
-                       .pad_bytes = 0,
-                       .dst_pitch = images.dst_pitch,
-                       .size = images.frame,
-                       .columns = {0, kBorder},
-                       .phase = images.phase,
-                       .stores = stores,
-                       .shift = 0,
-                       .convert = convert};
-    border.Rows(range);
-    border.columns = {width - kBorder, width};
-    border.pad_bytes = pad_bytes;
-    border.Rows(range);
-    greens.Rows(range);
-  }
-};
-
 LogFunction EntryName(const AcpiForm& form) {
   const LogFunction first =
       form.layout == Layout::kBgra ? LogFunction::kByrGR8ToBGRA_MP_ACPI : LogFunction::kByrGR8ToBGR_MP_ACPI;
@@ -115,15 +84,9 @@ Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize si
   if (!size.Even()) return Status::kInvalidParameter;
   const auto [width, height] = size;
   mp::LogStarted(EntryName(form));
-  const BilinearJob border = MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0);
-  ConvertBorderRows(border);
+  ConvertBorderRows(MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0));
   mp::LogStep(EntryName(form), mp::LogKind::kStep1);
 
-  AcpiJob job = MakeJob(form, dst, src, size);
-  const GreenWork green{.greens = {job.images, {kBorder, width - std::min(width, kBorder)}},
-                        .stores = border.stores,
-                        .convert = border.convert,
-                        .pad_bytes = border.pad_bytes};
   mp::WorkGeometry geometry{.first_x = 0,
                             .last_x = width - 1,
                             .first_y = kBorder,
@@ -139,19 +102,31 @@ Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize si
                             .dst_width = width,
                             .dst_height = height,
                             .dst_bytes_per_pixel = static_cast<uint32_t>(PixelBytes(form.layout)),
-                            .dst_stride = static_cast<uint32_t>(job.images.dst_pitch),
+                            .dst_stride = static_cast<uint32_t>(RowBytes(form.layout, width)),
                             .param = 0,
                             .block_rows = 0,
                             .type = 2};
-  const Status green_status = mp::RunOnPool(geometry, green, GreenWorkerName(form));
-  if (green_status != Status::kSuccess) return green_status;
-  mp::LogStep(EntryName(form), mp::LogKind::kStep2);
-
-  geometry.first_x = kBorder;
-  geometry.last_x = width - kBorder - 1;
-  geometry.dst_x = kBorder;
-  job.pad_bytes = 0;  // written. The outermost columns come once more, so that rows start aligned.
-  return mp::RunOnPool(geometry, job, ColourWorkerName(form));
+  const ColumnRange columns{0, width};
+  return WithGreenPlane({columns, 1, height - 2}, [&](const GreenPlane& greens) {
+    AcpiJob job = MakeJob(form, dst, src, size);
+    job.greens = greens;
+    const GreenJob green{job.images, columns, greens};
+    const RowRange middle{kBorder, static_cast<int32_t>(height - 2 * kBorder)};
+    if (middle.count > 0) {
+      green.ComputeRows({middle.first - 1, 1});
+      green.ComputeRows({middle.first + middle.count, 1});
+    }
+    Status status = mp::RunOnPool(geometry, green, GreenWorkerName(form));
+    if (status == Status::kSuccess) {
+      mp::LogStep(EntryName(form), mp::LogKind::kStep2);
+      geometry.first_x = kBorder;
+      geometry.last_x = width - kBorder - 1;
+      geometry.dst_x = kBorder;
+      status = mp::RunOnPool(geometry, job, ColourWorkerName(form));
+    }
+    if (status != Status::kSuccess) green.GiveUp(middle);
+    return status;
+  });
 }
 
 }  // namespace prismo

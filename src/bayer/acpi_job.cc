@@ -7,36 +7,33 @@
 namespace prismo {
 namespace {
 
-uint32_t DownToBlock(uint32_t column) { return column & ~(kBlockColumns - 1); }
-uint32_t UpToBlock(uint32_t column) { return DownToBlock(column + kBlockColumns - 1); }
-
 // The rows under way of a strip of columns, from top to bottom: split samples of five and greens of three.
 class Ring {
  public:
   // For colours of the columns given. The first row whose greens come next is none of the frame's outermost.
-  Ring(const AcpiImages& images, ColumnRange columns, uint32_t first_row)
+  // Greens that are in the plane, if there is one, come from there.
+  Ring(const AcpiImages& images, const GreenPlane& plane, ColumnRange columns, uint32_t first_row)
       : images_(images),
+        plane_(plane),
         kernels_(CurrentAcpiKernels()),
-        columns_{DownToBlock(columns.begin - std::min(columns.begin, 3u)),
-                 std::min((columns.end + 4) & ~1u, images.frame.width)},
+        columns_{GreenPlane::FirstColumn(columns), std::min((columns.end + 4) & ~1u, images.frame.width)},
         row_(first_row - 1) {
     for (uint32_t i = 0; i < kSampleRows; ++i) SetSlot(sample_slots_, i, samples_[i]);
     for (uint32_t i = 0; i < kGreenRows; ++i) SetSlot(green_slots_, i, greens_[i]);
-    for (int32_t dy = first_row == 1 ? 0 : -1; dy <= 2; ++dy) kernels_.split(ToSplit(dy));
+    if (plane_) return;
+    for (int32_t dy = first_row == 1 ? 0 : -1; dy <= 2; ++dy) kernels_.split(ToSplit(dy, columns_));
   }
 
   void NextGreens() {
-    ++row_;
-    if (++sample_slot_ == kSampleRows) sample_slot_ = 0;
-    if (++green_slot_ == kGreenRows) green_slot_ = 0;
-    const bool second_last = row_ + 2 == images_.frame.height;
-    const bool bilinear = row_ == 1 || second_last;
-    const RowToSplit ahead = ToSplit(second_last ? 1 : 2);
-    if (row_ == 1 && !second_last) kernels_.split(ahead);
-    const GreenLines lines{{Samples(-2), Samples(-1), Samples(0), Samples(1), Samples(2)},
-                           bilinear,
-                           bilinear ? nullptr : &ahead};
-    kernels_.green(lines, Row(row_, columns_), green_slots_[green_slot_]);
+    if (!plane_) return Compute(kernels_.green, columns_.begin, [this] { return green_slots_[green_slot_]; });
+    NextRow();
+    kernels_.restore(ToSplit(0, columns_), plane_.Row(row_), plane_.Pitch(), Row(row_, columns_),
+                     green_slots_[green_slot_]);
+  }
+
+  // Those from a column on to the plane. For a ring that has none itself.
+  void NextGreensTo(const GreenPlane& plane, uint32_t first_column) {
+    Compute(kernels_.green_bytes, first_column, [&] { return plane.Row(row_); });
   }
 
   // Of the row whose greens came last, or of one up to two rows above or below.
@@ -71,16 +68,40 @@ class Ring {
     return sample_slots_[static_cast<uint32_t>(static_cast<int32_t>(slot) + dy)];
   }
 
+  void NextRow() {
+    ++row_;
+    if (++sample_slot_ == kSampleRows) sample_slot_ = 0;
+    if (++green_slot_ == kGreenRows) green_slot_ = 0;
+  }
+
+  // Kernels split the row ahead from the first column on whose greens they compute.
+  template <class Kernel, class To>
+  void Compute(Kernel kernel, uint32_t first_column, const To& to) {
+    NextRow();
+    const bool second_last = row_ + 2 == images_.frame.height;
+    const bool bilinear = row_ == 1 || second_last;
+    const uint32_t first_pair = first_column & ~1u;
+    const RowToSplit ahead = ToSplit(second_last ? 1 : 2, {first_pair, columns_.end});
+    if (first_pair > columns_.begin)
+      kernels_.split(ToSplit(second_last ? 1 : 2, {columns_.begin, first_pair}));
+    if (row_ == 1 && !second_last) kernels_.split(ahead);
+    const GreenLines lines{{Samples(-2), Samples(-1), Samples(0), Samples(1), Samples(2)},
+                           bilinear,
+                           bilinear ? nullptr : &ahead};
+    kernel(lines, Row(row_, {first_column, columns_.end}), to());
+  }
+
   // In whole blocks, as long as there is memory of the frame to read.
-  RowToSplit ToSplit(int32_t dy) const {
+  RowToSplit ToSplit(int32_t dy, ColumnRange columns) const {
     const auto [width, height] = images_.frame;
     const auto y = static_cast<uint32_t>(static_cast<int32_t>(row_) + dy);
     const auto end =
-        static_cast<uint32_t>(std::min<size_t>(UpToBlock(columns_.end), size_t{width} * (height - y)));
-    return {images_.Line(y), {columns_.begin, end}, width, SampleWords(dy)};
+        static_cast<uint32_t>(std::min<size_t>(UpToBlock(columns.end), size_t{width} * (height - y)));
+    return {images_.Line(y), {columns.begin, end}, width, SampleWords(dy)};
   }
 
   const AcpiImages& images_;
+  const GreenPlane plane_;
   const AcpiKernels& kernels_;
   const ColumnRange columns_;
   uint32_t row_;  // whose greens came last
@@ -103,6 +124,13 @@ void ForEachStrip(ColumnRange columns, const Use& use) {
   }
 }
 
+// How many of the rows, from the first on, the submitter has not given up.
+int32_t Taken(const GreenPlane& greens, RowRange rows) {
+  int32_t count = 0;
+  while (count < rows.count && greens.Take(static_cast<uint32_t>(rows.first + count))) ++count;
+  return count;
+}
+
 }  // namespace
 
 // Strips meet where a row's streaming stores are aligned: no line of memory is written by two of them.
@@ -120,6 +148,7 @@ uint32_t AcpiJob::StripBorder(uint32_t y, uint32_t column) const {
 }
 
 void AcpiJob::Rows(RowRange range) const {
+  if (greens) range.count = Taken(greens, range);
   const AcpiKernels& kernels = CurrentAcpiKernels();
   const ColourRow convert =
       (images.layout == Layout::kBgra ? kernels.bgra : kernels.bgr)[static_cast<size_t>(stores)];
@@ -132,7 +161,7 @@ void AcpiJob::Rows(RowRange range) const {
     const uint32_t end = images.dst_pitch % kBlockColumns == 0
                              ? StripBorder(first_row, strip.end)
                              : std::min(strip.end + kBlockColumns, region.columns.end);
-    Ring ring(images, {strip.begin, end}, first_row - 1);
+    Ring ring(images, greens, {strip.begin, end}, first_row - 1);
     ring.NextGreens();
     ring.NextGreens();
     for (uint32_t y = first_row; y < end_row; ++y) {
@@ -152,17 +181,45 @@ void AcpiJob::Rows(RowRange range) const {
   simd::FinishStores(stores);
 }
 
-void GreenJob::Rows(RowRange range) const {
-  const AcpiKernels& kernels = CurrentAcpiKernels();
-  const PutGreens put = images.layout == Layout::kBgra ? kernels.put_bgra : kernels.put_bgr;
-  const auto first_row = static_cast<uint32_t>(range.first);
+void GreenJob::ComputeRows(RowRange range) const {
   ForEachStrip(columns, [&](ColumnRange strip) {
-    Ring ring(images, strip, first_row);
-    for (uint32_t y = first_row; y < first_row + static_cast<uint32_t>(range.count); ++y) {
-      ring.NextGreens();
-      put(ring.Samples(0), ring.Greens(0), ring.Row(y, strip), images.Target(y), images.dst_pitch);
-    }
+    Ring ring(images, {}, strip, static_cast<uint32_t>(range.first));
+    for (int32_t i = 0; i < range.count; ++i) ring.NextGreensTo(greens, strip.begin);
   });
+}
+
+void GreenJob::Rows(RowRange range) const {
+  ComputeRows(range);
+  for (int32_t i = 0; i < range.count; ++i) {
+    const auto y = static_cast<uint32_t>(range.first + i);
+    if (greens.Complete(y)) Put(y);
+  }
+}
+
+void GreenJob::GiveUp(RowRange range) const {
+  for (int32_t i = 0; i < range.count; ++i) {
+    const auto y = static_cast<uint32_t>(range.first + i);
+    if (greens.GiveUp(y)) Put(y);
+  }
+}
+
+void GreenJob::Put(uint32_t y) const {
+  const RowTarget target = images.Target(y);
+  const size_t pixel_bytes = PixelBytes(images.layout);
+  const uint8_t* const samples = images.Line(y);
+  const uint8_t* const sites = greens.Row(y);
+  const bool odd_greens = !RoleOf(images.phase, y).green_first;
+  for (uint32_t x = columns.begin; x < columns.end; ++x) {
+    const bool is_green = (x % 2 != 0) == odd_greens;
+    target.plane[0][pixel_bytes * (x - target.first_column) + 1] = is_green ? samples[x] : sites[x / 2];
+  }
+  if (columns.begin > 0) return;  // a rectangle
+  BilinearJob border =
+      MakeBilinearJob({images.phase, BayerDepth::k8, images.layout}, images.dst, images.src, images.frame, 0);
+  for (const uint32_t x : {0u, images.frame.width - 2}) {
+    border.columns = {x, x + 2};
+    border.Rows({static_cast<int32_t>(y), 1});
+  }
 }
 
 }  // namespace prismo

@@ -7,7 +7,10 @@
 #include "bayer/acpi.h"
 #include "bayer/acpi_rows.h"
 #include "bayer/bilinear_job.h"
+#include "bayer/green_plane.h"
+#include "core/kept_pages.h"
 #include "core/rows.h"
+#include "core/status.h"
 #include "mp/engine.h"
 
 namespace prismo {
@@ -36,13 +39,13 @@ struct AcpiRegion {
   uint32_t adaptive_last_row;
 };
 
-// Complete pixels in one pass: greens are computed again from the samples, one row ahead of the pixels, so
-// that they never leave the cache.
+// Complete pixels in one pass: greens come one row ahead of them and stay in the cache.
 struct AcpiJob {
   AcpiImages images;
   AcpiRegion region;
   uint32_t pad_bytes;  // zero bytes behind each row
   simd::StoreKind stores;
+  GreenPlane greens{};  // of a first work; none: they are computed, too
 
   void Rows(RowRange range) const;
 
@@ -50,12 +53,36 @@ struct AcpiJob {
   uint32_t StripBorder(uint32_t y, uint32_t column) const;
 };
 
-// The first work on the pool: greens only.
+// The first work on the pool: greens, and the frame's two outermost columns on each side completely. They
+// wait in the plane until the second work writes whole pixels; the picture gets them from here only if that
+// does not happen.
 struct GreenJob {
   AcpiImages images;
   ColumnRange columns;
+  GreenPlane greens;
 
   void Rows(RowRange range) const;
+
+  // Greens of rows that are in no work.
+  void ComputeRows(RowRange range) const;
+
+  // After either work has failed. Rows that are under way are their workers' to end.
+  void GiveUp(RowRange range) const;
+
+ private:
+  void Put(uint32_t y) const;
 };
+
+// Runs both(plane): the two works, which share in the plane's memory. kFailure when there is none.
+template <class Both>
+Status WithGreenPlane(GreenPlane plane, const Both& both) noexcept {
+  return NoThrow(Status::kFailure, [&] {
+    const std::shared_ptr<void> memory = TakePages(KeptFor::kGreens, plane.Bytes());
+    if (!memory) return Status::kFailure;
+    plane.Use(memory.get());
+    const mp::SharedWithWorks shared(memory);
+    return both(plane);
+  });
+}
 
 }  // namespace prismo

@@ -60,13 +60,6 @@ HWY_INLINE V8 Alternate(VSite first, VSite second) {
 }
 #endif
 
-HWY_INLINE V8 InPixelOrder(V8 block) {
-#if HWY_ARCH_X86 && HWY_TARGET != HWY_SCALAR
-  if (kPackedOrder == Order::kHalves) return HalvesToPixels(block);
-#endif
-  return block;
-}
-
 // A block from its green sites and from the others.
 HWY_INLINE V8 Block(VSite at_green, VSite at_other, bool starts_green) {
   return starts_green ? Alternate(at_green, at_other) : Alternate(at_other, at_green);
@@ -168,7 +161,18 @@ HWY_INLINE RowToSplit RowLoadedAlone(const RowToSplit& from) {
           LoadedAlone(from.words)};
 }
 
-void Green(const GreenLines& lines, const BayerRow& row, int16_t* words) {
+// The greens of sites i to i + kSites - 1.
+HWY_INLINE void StoreGreens(VSite green, VSite twice_own, size_t i, int16_t* words) {
+  hn::StoreU(green, DSite(), words + i);
+  hn::StoreU(hn::Sub(twice_own, green), DSite(), words + kSplitPitch + i);
+}
+HWY_INLINE void StoreGreens(VSite green, VSite, size_t i, uint8_t* bytes) {
+  const hn::Rebind<uint8_t, DSite> d;
+  hn::StoreU(hn::DemoteTo(d, green), d, bytes + i);
+}
+
+template <typename T>
+void Green(const GreenLines& lines, const BayerRow& row, T* to) {
   const DSite d;
   const bool odd = row.role.green_first;  // the sites' columns
   const auto words_of = [](const SplitRow& split, bool of_odd) {
@@ -207,8 +211,7 @@ void Green(const GreenLines& lines, const BayerRow& row, int16_t* words) {
       g = hn::IfThenElse(cross, Mean(north, south, west, east), g);
       g = hn::IfThenElse(side, Mean(north, south), g);
     }
-    hn::StoreU(g, d, words + i);
-    hn::StoreU(hn::Sub(twice, g), d, words + kSplitPitch + i);
+    StoreGreens(g, twice, i, to);
   };
   size_t i = row.columns.begin / 2;
   const size_t end = (row.columns.end + 1) / 2;
@@ -216,6 +219,20 @@ void Green(const GreenLines& lines, const BayerRow& row, int16_t* words) {
   for (; i < end && i < inner_begin; i += kSites) block(i, std::true_type());
   for (; i < end && i + kSites <= last; i += kSites) block(i, std::false_type());
   for (; i < end; i += kSites) block(i, std::true_type());
+}
+
+void Restore(const RowToSplit& split, const uint8_t* greens, size_t next_greens, const BayerRow& row,
+             int16_t* words) {
+  const DSite d;
+  const hn::Rebind<uint8_t, DSite> d_bytes;
+  const int16_t* const sites = split.words + (row.role.green_first ? kSplitPitch : 0);
+  SplitRest(split);
+  for (size_t i = row.columns.begin / 2; i < (row.columns.end + 1) / 2; i += kSites) {
+    if (2 * i + kSplitColumns <= split.columns.end) SplitBlock(split, 2 * i);
+    hwy::Prefetch(greens + i + next_greens);
+    const VSite own = hn::LoadU(d, sites + i);
+    StoreGreens(hn::PromoteTo(d, hn::LoadU(d_bytes, greens + i)), hn::Add(own, own), i, words);
+  }
 }
 
 // What the colours of a block are computed from, of the row above, its own and the one below.
@@ -317,55 +334,12 @@ void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& targe
       });
 }
 
-[[maybe_unused]] HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels,
-                                          std::integral_constant<size_t, 4>) {
-  const D32 d;
-  const hn::Rebind<uint8_t, D32> d_bytes;
-  constexpr size_t kPixels = hn::MaxLanes(D32());
-  for (size_t i = 0; i < kLanes; i += kPixels) {
-    const auto green = hn::BitCast(D8(), hn::ShiftLeft<8>(hn::PromoteTo(d, hn::LoadU(d_bytes, greens + i))));
-    const auto others = hn::And(hn::LoadU(D8(), pixels + 4 * i), hn::BitCast(D8(), hn::Set(d, 0xFFFF00FFu)));
-    hn::StoreU(hn::Or(others, green), D8(), pixels + 4 * i);
-  }
-}
-
-[[maybe_unused]] HWY_INLINE void PutBlock(const uint8_t* greens, uint8_t* pixels,
-                                          std::integral_constant<size_t, 3>) {
-  V8 blue, green, red;
-  hn::LoadInterleaved3(D8(), pixels, blue, green, red);
-  hn::StoreInterleaved3(blue, hn::Load(D8(), greens), red, D8(), pixels);
-}
-
-template <size_t kBytes>
-void Put(const SplitRow& raw, const SiteGreens& greens, const BayerRow& row, const RowTarget& target,
-         size_t next_row) {
-  uint8_t* pixels = target.plane[0] + kBytes * (row.columns.begin - target.first_column);
-  for (size_t x = row.columns.begin; x < row.columns.end; x += kLanes, pixels += kBytes * kLanes) {
-    for (size_t byte = 0; byte < kBytes * kLanes; byte += kCacheLine) {
-      __builtin_prefetch(pixels + next_row + byte, 1);
-    }
-    const bool odd = x % 2 != 0, starts_green = StartsGreen(row.role, x);
-    const BlockWords samples = WordsAt(raw.even, raw.odd(), x, odd, 0);
-    const BlockWords sites = WordsAt(greens.green, greens.green, x, odd, 0);
-    const VSite at_green = samples.At(static_cast<ptrdiff_t>(FirstSite(!starts_green)));
-    const VSite at_other = sites.At(static_cast<ptrdiff_t>(FirstSite(starts_green)));
-    HWY_ALIGN uint8_t block[kLanes];
-    hn::Store(InPixelOrder(Block(at_green, at_other, starts_green)), D8(), block);
-    const size_t count = std::min<size_t>(row.columns.end - x, kLanes);
-    if (kLanes > 1 && count == kLanes) {  // the one-lane target has no vector of four bytes
-      if constexpr (kLanes > 1) PutBlock(block, pixels, std::integral_constant<size_t, kBytes>());
-    } else {
-      for (size_t i = 0; i < count; ++i) pixels[kBytes * i + 1] = block[i];
-    }
-  }
-}
-
 constexpr AcpiKernels kKernels = {.split = &Split,
-                                  .green = &Green,
+                                  .green = &Green<int16_t>,
+                                  .green_bytes = &Green<uint8_t>,
+                                  .restore = &Restore,
                                   .bgra = {&Colour<4, StoreKind::kCached>, &Colour<4, StoreKind::kStreaming>},
-                                  .bgr = {&Colour<3, StoreKind::kCached>, &Colour<3, StoreKind::kStreaming>},
-                                  .put_bgra = &Put<4>,
-                                  .put_bgr = &Put<3>};
+                                  .bgr = {&Colour<3, StoreKind::kCached>, &Colour<3, StoreKind::kStreaming>}};
 
 }  // namespace
 

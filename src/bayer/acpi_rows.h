@@ -11,6 +11,9 @@ namespace prismo {
 inline constexpr uint32_t kStripColumns = 2048;
 inline constexpr uint32_t kBlockColumns = 64;  // of the widest vectors
 
+constexpr uint32_t DownToBlock(uint32_t column) { return column & ~(kBlockColumns - 1); }
+constexpr uint32_t UpToBlock(uint32_t column) { return DownToBlock(column + kBlockColumns - 1); }
+
 // Words that are there before and behind those of a strip: kernels read and write whole vectors.
 inline constexpr uint32_t kSplitMargin = 64;
 
@@ -50,10 +53,16 @@ struct GreenLines {
   const RowToSplit* ahead;  // row y + 2, if it is yet to be split
 };
 
-// Greens of the row's sites from an even column on, and their differences. In the frame's two outermost
-// columns on each side they are bilinear. Words behind the row's columns are written, too: up to
-// kSplitMargin.
+// Greens of the row's sites from an even column on, with their differences or, as bytes, alone: site x is
+// [x / 2]. In the frame's two outermost columns on each side they are bilinear. What lies behind the row's
+// columns is written, too: up to kSplitMargin sites.
 using GreenRow = void (*)(const GreenLines& lines, const BayerRow& row, int16_t* words);
+using GreenByteRow = void (*)(const GreenLines& lines, const BayerRow& row, uint8_t* bytes);
+
+// Splits a row and makes words of its greens that have been bytes, for the same columns as GreenRow. The
+// bytes that lie `next_greens` further are read ahead.
+using RestoreRow = void (*)(const RowToSplit& split, const uint8_t* greens, size_t next_greens,
+                            const BayerRow& row, int16_t* words);
 
 struct ColourLines {
   SplitRow raw[3];       // rows y - 1 to y + 1
@@ -63,18 +72,13 @@ struct ColourLines {
 
 using ColourRow = void (*)(const ColourLines& lines, const BayerRow& row, const RowTarget& target);
 
-// Stores the greens of a row as the green bytes of packed pixels. The pixels that lie `next_row` bytes
-// further are fetched for the next row.
-using PutGreens = void (*)(const SplitRow& raw, const SiteGreens& greens, const BayerRow& row,
-                           const RowTarget& target, size_t next_row);
-
 struct AcpiKernels {
   SplitColumns split;
   GreenRow green;
+  GreenByteRow green_bytes;
+  RestoreRow restore;
   ColourRow bgra[2];  // [plain stores, streaming stores]
   ColourRow bgr[2];
-  PutGreens put_bgra;
-  PutGreens put_bgr;
 };
 
 const AcpiKernels& CurrentAcpiKernels();

@@ -79,7 +79,7 @@ LogFunction EntryName(const AcpiForm& form) {
 }
 
 Status OnPool(const AcpiForm& form, const Rectangle& r) {
-  const RectangleJobs jobs(form, r);
+  RectangleJobs jobs(form, r);
   const bool bgra = form.layout == Layout::kBgra;
   const bool bg_family = IsBGFamily(form.phase);
   mp::WorkGeometry geometry{.first_x = r.left,
@@ -102,28 +102,36 @@ Status OnPool(const AcpiForm& form, const Rectangle& r) {
                             .block_rows = 0,
                             .type = 2};
   mp::LogStarted(EntryName(form));
-  const GreenJob green{jobs.whole.images, jobs.whole.region.columns};
-  const Status green_status = mp::RunOnPool(
-      geometry, green,
-      bgra ? (bg_family ? LogFunction::kBGGR8ToBGRA_ACPI_G_WK : LogFunction::kGBRG8ToBGRA_ACPI_G_WK)
-           : (bg_family ? LogFunction::kBGGR8ToBGR_ACPI_G_WK : LogFunction::kGBRG8ToBGR_ACPI_G_WK));
-  if (green_status != Status::kSuccess) return green_status;
-  mp::LogStep(EntryName(form), mp::LogKind::kStep1);
-  jobs.ConvertRing(r);
-  mp::LogStep(EntryName(form), mp::LogKind::kStep2);
+  const ColumnRange columns = jobs.whole.region.columns;
+  return WithGreenPlane({columns, r.top, r.size.height}, [&](const GreenPlane& greens) {
+    jobs.interior.greens = greens;
+    const GreenJob green{jobs.whole.images, columns, greens};
+    Status status = mp::RunOnPool(
+        geometry, green,
+        bgra ? (bg_family ? LogFunction::kBGGR8ToBGRA_ACPI_G_WK : LogFunction::kGBRG8ToBGRA_ACPI_G_WK)
+             : (bg_family ? LogFunction::kBGGR8ToBGR_ACPI_G_WK : LogFunction::kGBRG8ToBGR_ACPI_G_WK));
+    if (status == Status::kSuccess) {
+      mp::LogStep(EntryName(form), mp::LogKind::kStep1);
+      jobs.ConvertRing(r);
+      mp::LogStep(EntryName(form), mp::LogKind::kStep2);
 
-  // The interior starts one row and one column later: in the other family, with its row pairs swapped.
-  geometry.first_x += 1;
-  geometry.last_x -= 1;
-  geometry.first_y += 1;
-  geometry.last_y -= 1;
-  geometry.dst_x += 1;
-  geometry.dst_y += 1;
-  geometry.src_bytes_per_pixel = 1;
-  return mp::RunOnPool(
-      geometry, jobs.interior,
-      bgra ? (bg_family ? LogFunction::kGBRG8ToBGRA_ACPI_BR_WK : LogFunction::kBGGR8ToBGRA_ACPI_BR_WK)
-           : (bg_family ? LogFunction::kGBRG8ToBGR_ACPI_BR_WK : LogFunction::kBGGR8ToBGR_ACPI_BR_WK));
+      // The interior starts one row and one column later: in the other family, with its row pairs swapped.
+      geometry.first_x += 1;
+      geometry.last_x -= 1;
+      geometry.first_y += 1;
+      geometry.last_y -= 1;
+      geometry.dst_x += 1;
+      geometry.dst_y += 1;
+      geometry.src_bytes_per_pixel = 1;
+      status = mp::RunOnPool(
+          geometry, jobs.interior,
+          bgra ? (bg_family ? LogFunction::kGBRG8ToBGRA_ACPI_BR_WK : LogFunction::kBGGR8ToBGRA_ACPI_BR_WK)
+               : (bg_family ? LogFunction::kGBRG8ToBGR_ACPI_BR_WK : LogFunction::kBGGR8ToBGR_ACPI_BR_WK));
+    }
+    if (status != Status::kSuccess)
+      green.GiveUp({static_cast<int32_t>(r.top), static_cast<int32_t>(r.size.height)});
+    return status;
+  });
 }
 
 }  // namespace

@@ -65,6 +65,11 @@ PoolRef EnsurePool(Prepare&& prepare, Arguments... arguments) {
 
 void Leave(MPManager&) {}
 
+std::shared_ptr<void> Both(std::shared_ptr<void> first, std::shared_ptr<void> second) {
+  return std::make_shared<std::pair<std::shared_ptr<void>, std::shared_ptr<void>>>(std::move(first),
+                                                                                   std::move(second));
+}
+
 PoolRef StartedPool() {
   return EnsurePool([](MPManager& pool) { pool.SetThreadCount(0); }, 0);
 }
@@ -120,11 +125,13 @@ Status ExecRows(const WorkGeometry& geometry, const JobRef& job, LogFunction wor
   });
 }
 
-SharedWithWorks::SharedWithWorks(std::shared_ptr<void> memory) : memory_(std::move(memory)) {
+SharedWithWorks::SharedWithWorks(std::shared_ptr<void> memory)
+    : outer_(shared_with_works),
+      memory_(outer_ ? Both(std::move(memory), outer_->memory_) : std::move(memory)) {
   shared_with_works = this;
 }
 
-SharedWithWorks::~SharedWithWorks() { shared_with_works = nullptr; }
+SharedWithWorks::~SharedWithWorks() { shared_with_works = outer_; }
 
 std::shared_ptr<void> SharedWithWorks::Memory() {
   return shared_with_works ? shared_with_works->memory_ : nullptr;

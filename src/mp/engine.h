@@ -60,10 +60,11 @@ Status RunOnPool(const WorkGeometry& geometry, const Job& job, LogFunction worke
 }
 
 // While it exists, the works that its thread submits share in the memory: what they write to lives until the
-// last worker has left them, also when the submitter has given up waiting.
+// last worker has left them, also when the submitter has given up waiting. Inside another such scope they
+// share in the memory of both.
 class SharedWithWorks {
  public:
-  explicit SharedWithWorks(std::shared_ptr<void> memory);
+  explicit SharedWithWorks(std::shared_ptr<void> memory);  // throws std::bad_alloc
   ~SharedWithWorks();
   SharedWithWorks(const SharedWithWorks&) = delete;
   SharedWithWorks& operator=(const SharedWithWorks&) = delete;
@@ -72,6 +73,7 @@ class SharedWithWorks {
   static std::shared_ptr<void> Memory();
 
  private:
+  const SharedWithWorks* const outer_;
   const std::shared_ptr<void> memory_;
 };
 

@@ -79,5 +79,21 @@ TEST_F(SharedMemory, BelongsToTheScopeAndThreadOnly) {
   EXPECT_EQ(SharedWithWorks::Memory(), nullptr);
 }
 
+TEST_F(SharedMemory, OfAScopeInsideAnotherIsThatOfBoth) {
+  const auto inner = std::make_shared<int>();
+  const SharedWithWorks shared(memory_);
+  std::shared_ptr<void> both;
+  {
+    const SharedWithWorks also_shared(inner);
+    both = SharedWithWorks::Memory();
+  }
+  EXPECT_EQ(SharedWithWorks::Memory(), memory_);
+  EXPECT_EQ(memory_.use_count(), 3);
+  EXPECT_EQ(inner.use_count(), 2);
+  both.reset();
+  EXPECT_EQ(memory_.use_count(), 2);
+  EXPECT_EQ(inner.use_count(), 1);
+}
+
 }  // namespace
 }  // namespace prismo::mp

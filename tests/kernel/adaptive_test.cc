@@ -83,14 +83,30 @@ TEST_F(Adaptive, TallFramesOfEveryPatternEqualTheReference) {
 // Wide rows are converted in strips of about 2048 columns, which meet where a row's stores are aligned.
 TEST_F(Adaptive, WideFramesEqualTheReference) {
   PRISMO_TRACE_SEED();
+  ASSERT_TRUE(StartPool(2));
   uint32_t i = 0;
-  for (const BayerRoutine& routine : RoutinesOn(On::kCaller)) {
+  for (const BayerRoutine& routine : AdaptiveRoutines()) {
     for (const Output output : OutputsOf(routine.bgra)) {
       for (const uint32_t width : {2048u, 2050u, 4098u, 4160u, 6146u}) {
         CheckCaller(routine, {width, 8, kPatterns[i++ % std::size(kPatterns)]}, output);
         if (HasFailure()) return;
       }
     }
+  }
+}
+
+// The pool's kernels are not all those of the caller: greens go from one work to the next as bytes.
+TEST_F(Adaptive, EveryWidthOnThePoolEqualsTheReference) {
+  PRISMO_TRACE_SEED();
+  ASSERT_TRUE(StartPool(2));
+  const std::vector<BayerRoutine> routines = RoutinesOn(On::kPool);
+  uint32_t i = 0;
+  for (const uint32_t width : Widths(2)) {
+    const BayerRoutine& routine = routines[i % routines.size()];
+    CheckCaller(routine, {width, 8 + 2 * (i % 5), kPatterns[i % std::size(kPatterns)]},
+                OutputsOf(routine.bgra)[i % OutputsOf(routine.bgra).size()]);
+    if (HasFailure()) return;
+    ++i;
   }
 }
 

@@ -4,7 +4,6 @@
 #include <turbojpeg.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -12,8 +11,8 @@
 #include <system_error>
 #include <type_traits>
 
+#include "core/kept_pages.h"
 #include "platform/output_file.h"
-#include "platform/page_memory.h"
 
 namespace prismo::platform {
 namespace {
@@ -25,37 +24,6 @@ constexpr uint32_t kMaxSide = 65500;  // the encoder's own limit, a little less 
 constexpr uint32_t kDefaultQuality = 75;
 constexpr uint32_t kMaxQuality = 100;
 constexpr TJSAMP kChroma = TJSAMP_420;
-
-struct Pages {
-  explicit Pages(size_t size) : bytes(size), memory(AllocatePages(size)) {}
-  ~Pages() { FreePages(memory); }
-  Pages(const Pages&) = delete;
-  Pages& operator=(const Pages&) = delete;
-
-  const size_t bytes;
-  void* const memory;
-};
-
-// Getting fresh pages for a picture takes the system about half as long as encoding it, so those of one
-// picture are kept for the next. May be null.
-constexpr size_t kMostKept = size_t{128} << 20;
-constinit std::atomic<Pages*> kept{nullptr};
-
-void Keep(Pages* pages) {
-  if (pages->memory != nullptr && pages->bytes <= kMostKept) pages = kept.exchange(pages);
-  delete pages;
-}
-
-// The last destructor of the library: works that were given up come back with their pages when the pool ends.
-[[gnu::destructor(101)]] void ReleaseKept() { delete kept.exchange(nullptr); }
-
-// Of undefined content; null when there is no memory.
-std::shared_ptr<void> PicturePages(size_t bytes) {
-  std::unique_ptr<Pages> pages(kept.exchange(nullptr));
-  if (!pages || pages->bytes < bytes) pages = std::make_unique<Pages>(bytes);
-  void* const memory = pages->memory;
-  return {memory, [owned = pages.release()](void*) { Keep(owned); }};
-}
 
 struct DestroyHandle {
   void operator()(void* handle) const { tjDestroy(handle); }
@@ -95,7 +63,7 @@ JpegEncoder::JpegEncoder(const void* pixels, Layout layout, FrameSize size)
 
 JpegEncoder::JpegEncoder(FrameSize size) : JpegEncoder(nullptr, Layout::kBgra, size) {
   if (std::max(size.width, size.height) > INT32_MAX) return;  // the product below would not fit
-  state_->own = PicturePages(size.Pixels() * PixelBytes(Layout::kBgra));
+  state_->own = TakePages(KeptFor::kJpegPicture, size.Pixels() * PixelBytes(Layout::kBgra));
   state_->pixels = state_->own.get();
 }
 
