@@ -7,7 +7,40 @@
 namespace prismo {
 namespace {
 
-// The rows under way of a strip of columns, from top to bottom: split samples of five and greens of three.
+// Rows of words that are used in turn: those of the present row and of a few above, or below, it.
+template <uint32_t kMostRows>
+class Slots {
+ public:
+  // `rows` is how many there are at a time.
+  Slots(uint32_t rows, uint32_t first_column) : rows_(rows) {
+    for (uint32_t i = 0; i < rows; ++i) {
+      // Each slot stands in the table twice, so that neighbours need no wrapping.
+      slots_[i] = slots_[i + rows] =
+          words_[i].at + kSplitMargin - static_cast<std::ptrdiff_t>(first_column / 2);
+    }
+  }
+
+  void Next() {
+    if (++present_ == rows_) present_ = 0;
+  }
+
+  int16_t* At(int32_t dy) const {
+    return slots_[static_cast<uint32_t>(static_cast<int32_t>(present_ + (dy < 0 ? rows_ : 0)) + dy)];
+  }
+
+ private:
+  struct alignas(64) Words {  // a pair of rows
+    int16_t at[2 * kSplitPitch];
+  };
+
+  const uint32_t rows_;
+  uint32_t present_ = 0;
+  std::array<int16_t*, 2 * kMostRows> slots_;
+  std::array<Words, kMostRows> words_{};
+};
+
+// The rows under way of a strip of columns, from top to bottom: split samples of five, or three where greens
+// need not be computed, and greens of three.
 class Ring {
  public:
   // For colours of the columns given. The first row whose greens come next is none of the frame's outermost.
@@ -17,18 +50,18 @@ class Ring {
         plane_(plane),
         kernels_(CurrentAcpiKernels()),
         columns_{GreenPlane::FirstColumn(columns), std::min((columns.end + 4) & ~1u, images.frame.width)},
-        row_(first_row - 1) {
-    for (uint32_t i = 0; i < kSampleRows; ++i) SetSlot(sample_slots_, i, samples_[i]);
-    for (uint32_t i = 0; i < kGreenRows; ++i) SetSlot(green_slots_, i, greens_[i]);
+        row_(first_row - 1),
+        samples_(plane ? 3 : 5, columns_.begin),
+        greens_(3, columns_.begin) {
     if (plane_) return;
     for (int32_t dy = first_row == 1 ? 0 : -1; dy <= 2; ++dy) kernels_.split(ToSplit(dy, columns_));
   }
 
   void NextGreens() {
-    if (!plane_) return Compute(kernels_.green, columns_.begin, [this] { return green_slots_[green_slot_]; });
+    if (!plane_) return Compute(kernels_.green, columns_.begin, [this] { return greens_.At(0); });
     NextRow();
     kernels_.restore(ToSplit(0, columns_), plane_.Row(row_), plane_.Pitch(), Row(row_, columns_),
-                     green_slots_[green_slot_]);
+                     greens_.At(0));
   }
 
   // Those from a column on to the plane. For a ring that has none itself.
@@ -37,41 +70,20 @@ class Ring {
   }
 
   // Of the row whose greens came last, or of one up to two rows above or below.
-  SplitRow Samples(int32_t dy) const { return {SampleWords(dy)}; }
+  SplitRow Samples(int32_t dy) const { return {samples_.At(dy)}; }
 
   // Of the row whose greens came last, or of one up to two rows above.
-  SiteGreens Greens(int32_t dy) const {
-    return {green_slots_[static_cast<uint32_t>(static_cast<int32_t>(green_slot_ + kGreenRows) + dy)]};
-  }
+  SiteGreens Greens(int32_t dy) const { return {greens_.At(dy)}; }
 
   BayerRow Row(uint32_t y, ColumnRange columns) const {
     return {images_.frame.width, columns, RoleOf(images_.phase, y), true};
   }
 
  private:
-  static constexpr uint32_t kSampleRows = 5;
-  static constexpr uint32_t kGreenRows = 3;
-
-  struct alignas(64) Words {  // a pair of rows
-    int16_t at[2 * kSplitPitch];
-  };
-
-  // Each slot stands in the table twice, so that neighbours need no wrapping.
-  template <size_t kEntries>
-  void SetSlot(std::array<int16_t*, kEntries>& slots, uint32_t slot, Words& words) const {
-    slots[slot] = slots[slot + kEntries / 2] =
-        words.at + kSplitMargin - static_cast<std::ptrdiff_t>(columns_.begin / 2);
-  }
-
-  int16_t* SampleWords(int32_t dy) const {
-    const uint32_t slot = sample_slot_ + (dy < 0 ? kSampleRows : 0);
-    return sample_slots_[static_cast<uint32_t>(static_cast<int32_t>(slot) + dy)];
-  }
-
   void NextRow() {
     ++row_;
-    if (++sample_slot_ == kSampleRows) sample_slot_ = 0;
-    if (++green_slot_ == kGreenRows) green_slot_ = 0;
+    samples_.Next();
+    greens_.Next();
   }
 
   // Kernels split the row ahead from the first column on whose greens they compute.
@@ -97,7 +109,7 @@ class Ring {
     const auto y = static_cast<uint32_t>(static_cast<int32_t>(row_) + dy);
     const auto end =
         static_cast<uint32_t>(std::min<size_t>(UpToBlock(columns.end), size_t{width} * (height - y)));
-    return {images_.Line(y), {columns.begin, end}, width, SampleWords(dy)};
+    return {images_.Line(y), {columns.begin, end}, width, samples_.At(dy)};
   }
 
   const AcpiImages& images_;
@@ -105,12 +117,8 @@ class Ring {
   const AcpiKernels& kernels_;
   const ColumnRange columns_;
   uint32_t row_;  // whose greens came last
-  uint32_t sample_slot_ = 0;
-  uint32_t green_slot_ = 0;
-  std::array<int16_t*, 2 * kSampleRows> sample_slots_;
-  std::array<int16_t*, 2 * kGreenRows> green_slots_;
-  std::array<Words, kSampleRows> samples_{};
-  std::array<Words, kGreenRows> greens_{};
+  Slots<5> samples_;
+  Slots<3> greens_;
 };
 
 // Calls use(strip) for the columns in strips of about the same width.
