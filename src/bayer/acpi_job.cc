@@ -204,13 +204,6 @@ void GreenJob::Rows(RowRange range) const {
   }
 }
 
-void GreenJob::GiveUp(RowRange range) const {
-  for (int32_t i = 0; i < range.count; ++i) {
-    const auto y = static_cast<uint32_t>(range.first + i);
-    if (greens.GiveUp(y)) Put(y);
-  }
-}
-
 void GreenJob::Put(uint32_t y) const {
   const RowTarget target = images.Target(y);
   const size_t pixel_bytes = PixelBytes(images.layout);

@@ -66,8 +66,20 @@ struct GreenJob {
   // Greens of rows that are in no work.
   void ComputeRows(RowRange range) const;
 
-  // After either work has failed. Rows that are under way are their workers' to end.
-  void GiveUp(RowRange range) const;
+  // After either work has failed. Rows that are under way are their workers' to end; for each of the others
+  // whose greens are there, also(y) follows them.
+  template <class Also>
+  void GiveUp(RowRange range, const Also& also) const {
+    for (int32_t i = 0; i < range.count; ++i) {
+      const auto y = static_cast<uint32_t>(range.first + i);
+      if (!greens.GiveUp(y)) continue;
+      Put(y);
+      also(y);
+    }
+  }
+  void GiveUp(RowRange range) const {
+    GiveUp(range, [](uint32_t) {});
+  }
 
  private:
   void Put(uint32_t y) const;

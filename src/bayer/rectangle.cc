@@ -22,46 +22,34 @@ bool Valid(const Rectangle& r) {
          fits(r.dst_left, r.size.width, r.picture.width) && fits(r.dst_top, r.size.height, r.picture.height);
 }
 
-struct RectangleJobs {
-  AcpiJob whole;     // the rectangle with its ring
-  AcpiJob interior;  // without it
+// All of the rectangle: red and blue are bilinear on its outermost ring.
+AcpiJob MakeJob(const AcpiForm& form, const Rectangle& r) {
+  const size_t dst_pitch = RowBytes(form.layout, r.picture.width);
+  return {.images = {.src = static_cast<const uint8_t*>(r.src),
+                     .frame = r.frame,
+                     .phase = PhaseAt(form.phase, r.left, r.top),  // shifting the pattern back
+                     .dst = static_cast<uint8_t*>(r.dst) + dst_pitch * r.dst_top +
+                            PixelBytes(form.layout) * r.dst_left,
+                     .dst_pitch = dst_pitch,
+                     .first_column = r.left,
+                     .first_row = r.top,
+                     .layout = form.layout},
+          .region = {.columns = {r.left, r.left + r.size.width},
+                     .adaptive_columns = {r.left + 1, r.left + r.size.width - 1},
+                     .adaptive_first_row = r.top + 1,
+                     .adaptive_last_row = r.top + r.size.height - 2},
+          .pad_bytes = 0,
+          .stores = simd::StoreKindFor((1 + PixelBytes(form.layout)) * r.size.Pixels())};
+}
 
-  RectangleJobs(const AcpiForm& form, const Rectangle& r) {
-    const size_t dst_pitch = RowBytes(form.layout, r.picture.width);
-    const size_t bytes = (1 + PixelBytes(form.layout)) * r.size.Pixels();
-    whole = {.images = {.src = static_cast<const uint8_t*>(r.src),
-                        .frame = r.frame,
-                        .phase = PhaseAt(form.phase, r.left, r.top),  // shifting the pattern back
-                        .dst = static_cast<uint8_t*>(r.dst) + dst_pitch * r.dst_top +
-                               PixelBytes(form.layout) * r.dst_left,
-                        .dst_pitch = dst_pitch,
-                        .first_column = r.left,
-                        .first_row = r.top,
-                        .layout = form.layout},
-             .region = {.columns = {r.left, r.left + r.size.width},
-                        .adaptive_columns = {r.left + 1, r.left + r.size.width - 1},
-                        .adaptive_first_row = r.top + 1,
-                        .adaptive_last_row = r.top + r.size.height - 2},
-             .pad_bytes = 0,
-             .stores = simd::StoreKindFor(bytes)};
-    interior = whole;
-    interior.region.columns = whole.region.adaptive_columns;
+// The outermost columns of some rows.
+void ConvertSides(const AcpiJob& whole, RowRange rows) {
+  AcpiJob side = whole;
+  for (const uint32_t x : {whole.region.columns.begin, whole.region.columns.end - 1}) {
+    side.region.columns = {x, x + 1};
+    side.Rows(rows);
   }
-
-  // The rectangle's outermost rows and columns.
-  void ConvertRing(const Rectangle& r) const {
-    if (r.size.width == 0 || r.size.height == 0) return;
-    const auto top = static_cast<int32_t>(r.top);
-    const auto height = static_cast<int32_t>(r.size.height);
-    whole.Rows({top, 1});
-    whole.Rows({top + height - 1, 1});
-    AcpiJob column = whole;
-    for (const uint32_t x : {r.left, r.left + r.size.width - 1}) {
-      column.region.columns = {x, x + 1};
-      column.Rows({top + 1, height - 2});
-    }
-  }
-};
+}
 
 LogFunction EntryName(const AcpiForm& form) {
   const bool bgra = form.layout == Layout::kBgra;
@@ -79,7 +67,7 @@ LogFunction EntryName(const AcpiForm& form) {
 }
 
 Status OnPool(const AcpiForm& form, const Rectangle& r) {
-  RectangleJobs jobs(form, r);
+  const AcpiJob whole = MakeJob(form, r);
   const bool bgra = form.layout == Layout::kBgra;
   const bool bg_family = IsBGFamily(form.phase);
   mp::WorkGeometry geometry{.first_x = r.left,
@@ -97,39 +85,50 @@ Status OnPool(const AcpiForm& form, const Rectangle& r) {
                             .dst_width = r.picture.width,
                             .dst_height = r.picture.height,
                             .dst_bytes_per_pixel = static_cast<uint32_t>(PixelBytes(form.layout)),
-                            .dst_stride = static_cast<uint32_t>(jobs.whole.images.dst_pitch),
+                            .dst_stride = static_cast<uint32_t>(whole.images.dst_pitch),
                             .param = 0,
                             .block_rows = 0,
                             .type = 2};
   mp::LogStarted(EntryName(form));
-  const ColumnRange columns = jobs.whole.region.columns;
+  const ColumnRange columns = whole.region.columns;
+  const RowRange rows{static_cast<int32_t>(r.top), static_cast<int32_t>(r.size.height)};
   return WithGreenPlane({columns, r.top, r.size.height}, [&](const GreenPlane& greens) {
-    jobs.interior.greens = greens;
-    const GreenJob green{jobs.whole.images, columns, greens};
-    Status status = mp::RunOnPool(
+    const GreenJob green{whole.images, columns, greens};
+    const Status green_status = mp::RunOnPool(
         geometry, green,
         bgra ? (bg_family ? LogFunction::kBGGR8ToBGRA_ACPI_G_WK : LogFunction::kGBRG8ToBGRA_ACPI_G_WK)
              : (bg_family ? LogFunction::kBGGR8ToBGR_ACPI_G_WK : LogFunction::kGBRG8ToBGR_ACPI_G_WK));
-    if (status == Status::kSuccess) {
-      mp::LogStep(EntryName(form), mp::LogKind::kStep1);
-      jobs.ConvertRing(r);
-      mp::LogStep(EntryName(form), mp::LogKind::kStep2);
-
-      // The interior starts one row and one column later: in the other family, with its row pairs swapped.
-      geometry.first_x += 1;
-      geometry.last_x -= 1;
-      geometry.first_y += 1;
-      geometry.last_y -= 1;
-      geometry.dst_x += 1;
-      geometry.dst_y += 1;
-      geometry.src_bytes_per_pixel = 1;
-      status = mp::RunOnPool(
-          geometry, jobs.interior,
-          bgra ? (bg_family ? LogFunction::kGBRG8ToBGRA_ACPI_BR_WK : LogFunction::kBGGR8ToBGRA_ACPI_BR_WK)
-               : (bg_family ? LogFunction::kGBRG8ToBGR_ACPI_BR_WK : LogFunction::kBGGR8ToBGR_ACPI_BR_WK));
+    if (green_status != Status::kSuccess) {
+      green.GiveUp(rows);
+      return green_status;
     }
-    if (status != Status::kSuccess)
-      green.GiveUp({static_cast<int32_t>(r.top), static_cast<int32_t>(r.size.height)});
+    mp::LogStep(EntryName(form), mp::LogKind::kStep1);
+    if (columns.begin < columns.end && rows.count > 0) {
+      whole.Rows({rows.first, 1});
+      whole.Rows({rows.first + rows.count - 1, 1});
+    }
+    mp::LogStep(EntryName(form), mp::LogKind::kStep2);
+
+    // The interior starts one row and one column later: in the other family, with its row pairs swapped. Its
+    // outermost columns come with it, which leaves no row without them: the caller does what is given up.
+    geometry.first_x += 1;
+    geometry.last_x -= 1;
+    geometry.first_y += 1;
+    geometry.last_y -= 1;
+    geometry.dst_x += 1;
+    geometry.dst_y += 1;
+    geometry.src_bytes_per_pixel = 1;
+    AcpiJob job = whole;
+    job.greens = greens;
+    const Status status = mp::RunOnPool(
+        geometry, job,
+        bgra ? (bg_family ? LogFunction::kGBRG8ToBGRA_ACPI_BR_WK : LogFunction::kBGGR8ToBGRA_ACPI_BR_WK)
+             : (bg_family ? LogFunction::kGBRG8ToBGR_ACPI_BR_WK : LogFunction::kBGGR8ToBGR_ACPI_BR_WK));
+    if (status != Status::kSuccess) {
+      green.GiveUp({rows.first + 1, rows.count - 2}, [&](uint32_t y) {
+        ConvertSides(whole, {static_cast<int32_t>(y), 1});
+      });
+    }
     return status;
   });
 }
@@ -143,8 +142,8 @@ Status DemosaicRectangle(const AcpiForm& form, const Rectangle& rectangle, Threa
     return Status::kSuccess;
   }
   if (threads == Threads::kPool) return OnPool(form, rectangle);
-  RectangleJobs(form, rectangle)
-      .whole.Rows({static_cast<int32_t>(rectangle.top), static_cast<int32_t>(rectangle.size.height)});
+  MakeJob(form, rectangle)
+      .Rows({static_cast<int32_t>(rectangle.top), static_cast<int32_t>(rectangle.size.height)});
   return Status::kSuccess;
 }
 
