@@ -209,11 +209,12 @@ void GreenJob::Put(uint32_t y) const {
   const size_t pixel_bytes = PixelBytes(images.layout);
   const uint8_t* const samples = images.Line(y);
   const uint8_t* const sites = greens.Row(y);
-  const bool odd_greens = !RoleOf(images.phase, y).green_first;
-  for (uint32_t x = columns.begin; x < columns.end; ++x) {
-    const bool is_green = (x % 2 != 0) == odd_greens;
-    target.plane[0][pixel_bytes * (x - target.first_column) + 1] = is_green ? samples[x] : sites[x / 2];
-  }
+  const auto green = [&](uint32_t x) -> uint8_t& {
+    return target.plane[0][pixel_bytes * (x - target.first_column) + 1];
+  };
+  const uint32_t first_green = RoleOf(images.phase, y).green_first == (columns.begin % 2 == 0) ? 0 : 1;
+  for (uint32_t x = columns.begin + first_green; x < columns.end; x += 2) green(x) = samples[x];
+  for (uint32_t x = columns.begin + 1 - first_green; x < columns.end; x += 2) green(x) = sites[x / 2];
   if (columns.begin > 0) return;  // a rectangle
   BilinearJob border =
       MakeBilinearJob({images.phase, BayerDepth::k8, images.layout}, images.dst, images.src, images.frame, 0);

@@ -16,8 +16,7 @@ struct BayerRow {
   uint32_t width;       // of the frame: samples from column 0 to width - 1 exist
   ColumnRange columns;  // to be converted
   RowRole role;
-  bool inside;  // no line is the frame's first or last: kReadBefore samples before and kReadAfter behind can
-                // be read
+  bool inside;  // no line is the frame's first or last: a row before and a row behind them can be read
 };
 
 // Columns that a kernel may read before the first and behind the last column of a block.

@@ -27,8 +27,7 @@ class Window {
 
   HWY_INLINE Window(const T* const (&lines)[kLines], size_t x, const BayerRow& row) {
     const bool readable_before = x >= kReadBefore || row.inside;
-    const bool readable_after =
-        x + kLanes + kReadAfter <= row.width || (row.inside && x + kLanes <= row.width);
+    const bool readable_after = x + kLanes + kReadAfter <= size_t{row.width} * (row.inside ? 2 : 1);
     if (readable_before && readable_after) {
       for (size_t i = 0; i < kLines; ++i) line[i] = LoadedAlone(lines[i]) + x;
       return;

@@ -21,8 +21,7 @@ class Event {
 
   void Set() noexcept;
 
-  // Set, by a caller who goes on to wait for the only thread that waits here: that thread may start on the
-  // caller's processor.
+  // Set, by a caller who is about to wait: the only thread that waits here may start on its processor.
   void SetAndYieldTo(uint32_t waiting_thread_id) noexcept;
 
   void Reset() noexcept;
