@@ -8,10 +8,10 @@
 #include "bayer/acpi_rows.h"
 #include "bayer/bilinear_job.h"
 #include "bayer/green_plane.h"
-#include "core/kept_pages.h"
 #include "core/rows.h"
 #include "core/status.h"
 #include "mp/engine.h"
+#include "platform/kept_pages.h"
 
 namespace prismo {
 
@@ -89,7 +89,7 @@ struct GreenJob {
 template <class Both>
 Status WithGreenPlane(GreenPlane plane, const Both& both) noexcept {
   return NoThrow(Status::kFailure, [&] {
-    const std::shared_ptr<void> memory = TakePages(KeptFor::kGreens, plane.Bytes());
+    const std::shared_ptr<void> memory = platform::TakePages(platform::KeptFor::kGreens, plane.Bytes());
     if (!memory) return Status::kFailure;
     plane.Use(memory.get());
     const mp::SharedWithWorks shared(memory);

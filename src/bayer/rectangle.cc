@@ -44,6 +44,7 @@ AcpiJob MakeJob(const AcpiForm& form, const Rectangle& r) {
 
 // The outermost columns of some rows.
 void ConvertSides(const AcpiJob& whole, RowRange rows) {
+  if (whole.region.columns.begin == whole.region.columns.end) return;
   AcpiJob side = whole;
   for (const uint32_t x : {whole.region.columns.begin, whole.region.columns.end - 1}) {
     side.region.columns = {x, x + 1};

@@ -40,6 +40,8 @@ class Event {
   std::atomic<uint32_t> state_{kClear};
 #ifdef _WIN32
   void* handle_;
+#else
+  std::atomic_flag yielding_;  // somebody is in SetAndYieldTo
 #endif
 };
 

@@ -52,7 +52,7 @@ HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, si
   for (; x + kBlock <= pixels; x += kBlock) {
     const uint8_t* from = src + Maker::InBytes(x);
     if constexpr (kStores == StoreKind::kStreaming) {
-      constexpr size_t kAhead = 1024;
+      constexpr size_t kAhead = 4096;
       for (size_t i = 0; i < Maker::InBytes(kBlock); i += 64) hwy::Prefetch(from + i + kAhead);
     }
     maker.template Block<kStores>(dst + Maker::OutBytes(x), from, x);

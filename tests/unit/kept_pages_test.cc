@@ -1,10 +1,10 @@
-#include "core/kept_pages.h"
+#include "platform/kept_pages.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-namespace prismo {
+namespace prismo::platform {
 namespace {
 
 class KeptPages : public testing::Test {
@@ -27,6 +27,12 @@ TEST_F(KeptPages, AreThereInFull) {
   }
 }
 
+TEST_F(KeptPages, GrowWithWhatIsTaken) {
+  const std::shared_ptr<void> small = TakePages(KeptFor::kGreens, 4096);
+  const std::shared_ptr<void> large = TakePages(KeptFor::kGreens, 1 << 20);
+  std::memset(large.get(), 1, 1 << 20);
+}
+
 TEST_F(KeptPages, OfTwoTakersAtOnceAreDifferent) {
   const std::shared_ptr<void> first = TakePages(KeptFor::kGreens, 4096);
   const std::shared_ptr<void> second = TakePages(KeptFor::kGreens, 4096);
@@ -38,4 +44,4 @@ TEST_F(KeptPages, OfTwoTakersAtOnceAreDifferent) {
 TEST_F(KeptPages, ThatCannotBeHadAreNull) { EXPECT_EQ(TakePages(KeptFor::kGreens, SIZE_MAX - 5), nullptr); }
 
 }  // namespace
-}  // namespace prismo
+}  // namespace prismo::platform

@@ -50,8 +50,13 @@ void Event::Set() noexcept {
 
 void Event::SetAndYieldTo(uint32_t waiting_thread_id) noexcept {
   if (state_.exchange(kSignalled, std::memory_order_acq_rel) != kAwaited) return;
-  const WakeHere wake_here(static_cast<pid_t>(waiting_thread_id));
-  WakeAll(state_);
+  // A second caller would take the one processor, for a moment, for all that the thread may run on.
+  if (yielding_.test_and_set(std::memory_order_acquire)) return WakeAll(state_);
+  {
+    const WakeHere wake_here(static_cast<pid_t>(waiting_thread_id));
+    WakeAll(state_);
+  }
+  yielding_.clear(std::memory_order_release);
 }
 
 // Acquires, since whoever resets and then looks has to see all that was done before the last Set.

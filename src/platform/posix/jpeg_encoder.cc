@@ -11,7 +11,7 @@
 #include <system_error>
 #include <type_traits>
 
-#include "core/kept_pages.h"
+#include "platform/kept_pages.h"
 #include "platform/output_file.h"
 
 namespace prismo::platform {

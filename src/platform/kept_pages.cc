@@ -1,15 +1,15 @@
-#include "core/kept_pages.h"
+#include "platform/kept_pages.h"
 
 #include <atomic>
 
 #include "platform/page_memory.h"
 
-namespace prismo {
+namespace prismo::platform {
 namespace {
 
 struct Pages {
-  explicit Pages(size_t size) : bytes(size), memory(platform::AllocatePages(size)) {}
-  ~Pages() { platform::FreePages(memory); }
+  explicit Pages(size_t size) : bytes(size), memory(AllocatePages(size)) {}
+  ~Pages() { FreePages(memory); }
   Pages(const Pages&) = delete;
   Pages& operator=(const Pages&) = delete;
 
@@ -42,4 +42,4 @@ void ReleaseKeptPages() noexcept {
   for (std::atomic<Pages*>& kept : kept_pages) delete kept.exchange(nullptr);
 }
 
-}  // namespace prismo
+}  // namespace prismo::platform

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <memory>
 
-namespace prismo {
+namespace prismo::platform {
 
 enum class KeptFor { kJpegPicture, kGreens };
 
@@ -17,4 +17,4 @@ std::shared_ptr<void> TakePages(KeptFor use, size_t bytes);
 // For the end of the library.
 void ReleaseKeptPages() noexcept;
 
-}  // namespace prismo
+}  // namespace prismo::platform

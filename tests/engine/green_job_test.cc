@@ -1,0 +1,246 @@
+// What becomes of the greens of a first work when it, or the second one, is given up: a worker may come
+// before its submitter or after it.
+#include <gtest/gtest.h>
+
+#include <barrier>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <latch>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "PrismoUtl.h"
+#include "bayer/acpi_job.h"
+#include "support/pool.h"
+
+namespace prismo {
+namespace {
+
+constexpr uint32_t kWidth = 40, kHeight = 12;
+constexpr uint8_t kBefore = 7;
+constexpr RowRange kMiddle{2, kHeight - 4};
+
+class GreenJobTest : public testing::TestWithParam<Layout> {
+ protected:
+  GreenJobTest() {
+    for (size_t i = 0; i < frame_.size(); ++i) frame_[i] = static_cast<uint8_t>(i * i * 31 + i / 7);
+    AcpiOnCaller({Phase::kGR, GetParam()}, complete_.data(), frame_.data(), {kWidth, kHeight});
+    green_.ComputeRows({1, 1});
+    green_.ComputeRows({kHeight - 2, 1});
+  }
+
+  enum class Row { kUntouched, kGreens, kComplete };
+
+  void Expect(RowRange rows, Row state) const {
+    for (int32_t y = rows.first; y < rows.first + rows.count; ++y) {
+      for (uint32_t x = 0; x < kWidth; ++x) {
+        const bool border = x < 2 || x >= kWidth - 2;
+        for (size_t channel = 0; channel < pixel_bytes_; ++channel) {
+          const size_t at = static_cast<size_t>(y) * pitch_ + x * pixel_bytes_ + channel;
+          const bool written = state == Row::kComplete || (state == Row::kGreens && (border || channel == 1));
+          ASSERT_EQ(picture_[at], written ? complete_[at] : kBefore) << x << ',' << y << ": " << channel;
+        }
+      }
+    }
+  }
+
+  const size_t pixel_bytes_ = PixelBytes(GetParam());
+  const size_t pitch_ = RowBytes(GetParam(), kWidth);
+  std::vector<uint8_t> frame_ = std::vector<uint8_t>(kWidth * kHeight);
+  std::vector<uint8_t> complete_ = std::vector<uint8_t>(pitch_ * kHeight);
+  std::vector<uint8_t> picture_ = std::vector<uint8_t>(pitch_ * kHeight, kBefore);
+  GreenPlane plane_{{0, kWidth}, 1, kHeight - 2};
+  std::vector<uint8_t> memory_ = std::vector<uint8_t>(plane_.Bytes());
+  const AcpiImages images_{.src = frame_.data(),
+                           .frame = {kWidth, kHeight},
+                           .phase = Phase::kGR,
+                           .dst = picture_.data(),
+                           .dst_pitch = pitch_,
+                           .first_column = 0,
+                           .first_row = 0,
+                           .layout = GetParam()};
+  const GreenJob green_ = [this] {
+    plane_.Use(memory_.data());
+    return GreenJob{images_, {0, kWidth}, plane_};
+  }();
+  const AcpiJob colours_{.images = images_,
+                         .region = {{0, kWidth}, {2, kWidth - 2}, 2, kHeight - 3},
+                         .pad_bytes = 0,
+                         .stores = simd::StoreKind::kCached,
+                         .greens = plane_};
+};
+
+INSTANTIATE_TEST_SUITE_P(Layouts, GreenJobTest, testing::Values(Layout::kBgra, Layout::kBgr));
+
+TEST_P(GreenJobTest, LeavesThePictureToTheSecondWork) {
+  green_.Rows(kMiddle);
+  Expect({0, kHeight}, Row::kUntouched);
+  colours_.Rows(kMiddle);
+  Expect({0, 2}, Row::kUntouched);
+  Expect(kMiddle, Row::kComplete);
+  Expect({kHeight - 2, 2}, Row::kUntouched);
+}
+
+TEST_P(GreenJobTest, RowsThatAreThereWhenItIsGivenUpComeFromTheSubmitter) {
+  green_.Rows({4, 2});
+  green_.GiveUp(kMiddle);
+  Expect({0, 4}, Row::kUntouched);
+  Expect({4, 2}, Row::kGreens);
+  Expect({6, kHeight - 6}, Row::kUntouched);
+}
+
+TEST_P(GreenJobTest, RowsThatComeLateComeFromTheirWorker) {
+  green_.GiveUp(kMiddle);
+  Expect({0, kHeight}, Row::kUntouched);
+  green_.Rows({6, 4});
+  Expect({0, 6}, Row::kUntouched);
+  Expect({6, 4}, Row::kGreens);
+  Expect({10, kHeight - 10}, Row::kUntouched);
+}
+
+TEST_P(GreenJobTest, RowsWithoutColoursKeepTheirGreens) {
+  green_.Rows(kMiddle);
+  colours_.Rows({4, 4});
+  green_.GiveUp(kMiddle);
+  Expect({2, 2}, Row::kGreens);
+  Expect({4, 4}, Row::kComplete);
+  Expect({8, 2}, Row::kGreens);
+}
+
+TEST_P(GreenJobTest, ColoursThatComeLateAreLeftOut) {
+  green_.Rows(kMiddle);
+  green_.GiveUp({6, kHeight - 8});
+  colours_.Rows({4, 4});
+  Expect({4, 2}, Row::kComplete);
+  Expect({6, kHeight - 8}, Row::kGreens);
+}
+
+// Whoever comes first, each row ends up with what it is due.
+TEST_P(GreenJobTest, WorkersAndTheSubmitterMayComeAtOnce) {
+  for (int round = 0; round < 200; ++round) {
+    plane_.Use(memory_.data());
+    green_.ComputeRows({1, 1});
+    green_.ComputeRows({kHeight - 2, 1});
+    std::fill(picture_.begin(), picture_.end(), kBefore);
+    std::barrier together(2);
+    std::thread worker([&] {
+      together.arrive_and_wait();
+      green_.Rows(kMiddle);
+      together.arrive_and_wait();
+      colours_.Rows(kMiddle);
+    });
+    together.arrive_and_wait();
+    const bool at_first = round % 2 == 0;
+    if (at_first) green_.GiveUp(kMiddle);
+    together.arrive_and_wait();
+    if (!at_first) green_.GiveUp(kMiddle);
+    worker.join();
+    for (int32_t y = kMiddle.first; y < kMiddle.first + kMiddle.count; ++y) {
+      const size_t blue_of_column_2 = static_cast<size_t>(y) * pitch_ + 2 * pixel_bytes_;
+      const bool complete = picture_[blue_of_column_2] != kBefore;
+      Expect({y, 1}, complete ? Row::kComplete : Row::kGreens);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+// The second work waits behind another until its time is up.
+class SecondWorkGivenUp : public test::PoolTest {
+ protected:
+  using Call = std::function<uint32_t(uint8_t* picture)>;
+
+  static void Wait(MPWork* work) {
+    int32_t first_row = 0, rows = 0;
+    while (MPWorkTakeBlock(work, first_row == 0, &first_row, &rows)) {
+      reinterpret_cast<std::latch*>(work->Dst)->wait();
+      first_row = 1;
+    }
+  }
+
+  // A work that lasts until the latch is open.
+  static uint32_t Occupy(std::latch& until) {
+    return ExecWork2(&Wait, 0, 0, nullptr, 1, 1, 1, 1, &until, 0, 1, 0);
+  }
+
+  // The picture after a call whose first work was done and whose second one never began. That shows in a byte
+  // of green; in none without a byte to look at.
+  static std::vector<uint8_t> Picture(size_t bytes, std::optional<size_t> green, const Call& call) {
+    for (int patience_ms = 10; patience_ms < 2000; patience_ms *= 2) {
+      const std::chrono::milliseconds patience(patience_ms);
+      EXPECT_TRUE(test::StartPool(1, 3000));
+      std::vector<uint8_t> picture(bytes, kBefore);
+      std::latch first(1), second(1);
+      std::thread before([&] { EXPECT_EQ(Occupy(first), UTL_STS_SUCCESS); });
+      std::this_thread::sleep_for(patience);
+      std::thread caller([&] { EXPECT_EQ(call(picture.data()), UTL_STS_TIMEOUT); });
+      std::this_thread::sleep_for(patience);
+      std::thread between([&] { EXPECT_EQ(Occupy(second), UTL_STS_SUCCESS); });
+      std::this_thread::sleep_for(patience);
+      SetMPTimeout_msec(static_cast<uint32_t>(5 * patience_ms));  // of works that begin to be waited for now
+      first.count_down();
+      before.join();
+      caller.join();
+      second.count_down();
+      between.join();
+      TerminateMPThreads();
+      if (!green || picture[*green] != kBefore || HasFailure()) return picture;
+    }
+    ADD_FAILURE() << "the works never came in the wanted order";
+    return std::vector<uint8_t>(bytes, kBefore);
+  }
+};
+
+TEST_F(SecondWorkGivenUp, LeavesGreensAndBordersOfAFrame) {
+  constexpr uint32_t kFrameWidth = 150, kFrameHeight = 20;
+  std::vector<uint8_t> frame(kFrameWidth * kFrameHeight);
+  for (size_t i = 0; i < frame.size(); ++i) frame[i] = static_cast<uint8_t>(i * i * 31 + i / 7);
+  const size_t pitch = RowBytes(Layout::kBgrPad, kFrameWidth);
+  std::vector<uint8_t> complete(pitch * kFrameHeight);
+  ASSERT_EQ(ByrGR8ToBGR_SP_ACPI(complete.data(), frame.data(), kFrameWidth, kFrameHeight, 1), 0u);
+  const size_t green = 7 * pitch + 3 * 7 + 1;
+  ASSERT_NE(complete[green], kBefore);
+  const std::vector<uint8_t> picture = Picture(complete.size(), green, [&](uint8_t* dst) {
+    return ByrGR8ToBGR_MP_ACPI(dst, frame.data(), kFrameWidth, kFrameHeight, 1);
+  });
+  for (size_t at = 0; at < picture.size(); ++at) {
+    const size_t x = at % pitch / 3, y = at / pitch;
+    const bool inside = x >= 2 && x < kFrameWidth - 2 && y >= 2 && y < kFrameHeight - 2;
+    ASSERT_EQ(picture[at], inside && at % pitch % 3 != 1 ? kBefore : complete[at]) << x << ',' << y;
+  }
+}
+
+TEST_F(SecondWorkGivenUp, LeavesGreensAndTheRingOfARectangle) {
+  constexpr uint32_t kFrameWidth = 150, kFrameHeight = 20, kRows = 14;
+  std::vector<uint8_t> frame(kFrameWidth * kFrameHeight);
+  for (size_t i = 0; i < frame.size(); ++i) frame[i] = static_cast<uint8_t>(i * i * 31 + i / 7);
+  for (const uint32_t columns : {66u, 0u}) {
+    for (const uint32_t left : {2u, 37u}) {
+      SCOPED_TRACE(testing::Message() << columns << " columns from " << left << " on");
+      constexpr uint32_t kPictureWidth = 80, kPictureHeight = 20, kLeft = 5, kTop = 3;
+      constexpr size_t kPitch = 4 * kPictureWidth;
+      std::vector<uint8_t> complete(kPitch * kPictureHeight, kBefore);
+      const auto call = [&](auto routine, uint8_t* dst) {
+        return routine(dst, frame.data(), kFrameWidth, kFrameHeight, left, 3, columns, kRows, kPictureWidth,
+                       kPictureHeight, kLeft, kTop);
+      };
+      ASSERT_EQ(call(RectGB8ToBGRA_SP_ACPI, complete.data()), 0u);
+      std::optional<size_t> green;
+      if (columns > 0) {
+        green = (kTop + 4) * kPitch + 4 * (kLeft + 4) + 1;
+        ASSERT_NE(complete[*green], kBefore);
+      }
+      const std::vector<uint8_t> picture =
+          Picture(complete.size(), green, [&](uint8_t* dst) { return call(RectGB8ToBGRA_MP_ACPI, dst); });
+      for (size_t at = 0; at < picture.size(); ++at) {
+        const size_t x = at % kPitch / 4, y = at / kPitch;
+        const bool inside = x > kLeft && x + 1 < kLeft + columns && y > kTop && y + 1 < kTop + kRows;
+        ASSERT_EQ(picture[at], inside && at % 4 != 1 ? kBefore : complete[at]) << x << ',' << y;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace prismo
