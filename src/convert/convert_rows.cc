@@ -65,7 +65,7 @@ constexpr size_t kLineBytes = 64;
 constexpr size_t kStreamPixels = 64;  // of any size they fill whole lines
 
 // The processor's own prefetch falls behind beside streaming stores.
-constexpr size_t kPrefetchBytes = 2048;
+constexpr size_t kPrefetchBytes = 4096;
 
 bool IsLine(const uint8_t* to) { return reinterpret_cast<uintptr_t>(to) % kLineBytes == 0; }
 
