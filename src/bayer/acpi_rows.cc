@@ -313,7 +313,7 @@ HWY_INLINE ColourLines LinesLoadedAlone(const ColourLines& from) {
 template <size_t kBytes, StoreKind kStores>
 void Colour(const ColourLines& info, const BayerRow& row, const RowTarget& target) {
   const PackedSink<kBytes, kPackedOrder> sink{target.plane[0], target.first_column};
-  if (kStores == StoreKind::kStreaming && sink.PixelsToAlign(row.columns.begin) == kLanes) {
+  if (kStores == StoreKind::kStreaming && sink.PixelsToLine(row.columns.begin) == kCacheLine) {
     return Colour<kBytes, StoreKind::kCached>(info, row, target);
   }
   const bool green_first = row.role.green_first;

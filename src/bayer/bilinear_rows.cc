@@ -213,7 +213,7 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
   using T = typename A::T;
   const A arithmetic(info.shift);
   const Sink sink = MakeSink<Sink>(target);
-  if (kStores == StoreKind::kStreaming && sink.PixelsToAlign(row.columns.begin) == kLanes) {
+  if (kStores == StoreKind::kStreaming && sink.PixelsToLine(row.columns.begin) == kCacheLine) {
     return Row<A, Sink, StoreKind::kCached>(info, row, target);
   }
   const T* const lines[3] = {static_cast<const T*>(LoadedAlone(info.up)),

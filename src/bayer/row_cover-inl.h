@@ -8,6 +8,7 @@
 #endif
 
 #include <algorithm>
+#include <numeric>
 #include <type_traits>
 
 #include "bayer/bayer_row.h"
@@ -111,33 +112,37 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
       to.template Store<kStores>(x, other, green, row_colour);
     }
   };
-  // Lanes first .. first + count - 1 of the block at x. Kept out of line: rows have two such blocks.
-  const auto some = [&](size_t x, size_t first, size_t count) HWY_ATTR __attribute__((noinline)) {
+  // Streaming stores fill the lines of memory from stream_begin to stream_end, nothing else goes there.
+  size_t stream_begin = begin, stream_end = end;
+  // The first `count` lanes of the block at x. Kept out of line: rows have a few such blocks.
+  const auto some = [&](size_t x, size_t count) HWY_ATTR __attribute__((noinline)) {
     V8 row_colour, green, other_colour;
     border(x, StartsGreen(row.role, x), row_colour, green, other_colour);
-    if (count == kLanes) {
+    if (count == kLanes && x >= stream_begin && x + kLanes <= stream_end) {
       store(sink, x, row_colour, green, other_colour);
     } else {
-      sink.template StoreSome<kStores>(x, first, count, blue ? row_colour : other_colour, green,
+      sink.template StoreSome<kStores>(x, count, blue ? row_colour : other_colour, green,
                                        blue ? other_colour : row_colour);
     }
   };
-  const auto whole = [&](size_t x) HWY_ATTR { some(x, 0, kLanes); };
+  const auto whole = [&](size_t x) HWY_ATTR { some(x, kLanes); };
 
-  if (end - begin < kLanes) return some(begin, 0, end - begin);
+  if (end - begin < kLanes) return some(begin, end - begin);
   size_t x = begin;
   if constexpr (kStores == StoreKind::kStreaming) {
-    const size_t head = sink.PixelsToAlign(x);
-    if (Sink::kPixelBytes * (end - x - head) % kCacheLine != 0) sink.PrepareStore(end - 1);
-    if (head > 0) {
-      some(x, 0, head);
-      x += head;
+    constexpr size_t kBlockBytes = Sink::kPixelBytes * kLanes;
+    constexpr size_t kWholeLines = std::lcm(kBlockBytes, kCacheLine) / kBlockBytes * kLanes;  // pixels
+    stream_begin = std::min(begin + sink.PixelsToLine(begin), end);
+    stream_end = stream_begin + (end - stream_begin) / kWholeLines * kWholeLines;
+    if (Sink::kPixelBytes * (end - stream_begin) % kCacheLine != 0) sink.PrepareStore(end - 1);
+    for (; x < stream_begin; x += std::min(kLanes, stream_begin - x)) {
+      some(x, std::min(kLanes, stream_begin - x));
     }
   }
   const size_t inner_begin = std::max<size_t>(inner_columns.begin, kReadBefore);
-  for (; x < inner_begin && x + kLanes <= end; x += kLanes) whole(x);
+  for (; x < inner_begin && x + kLanes <= stream_end; x += kLanes) whole(x);
   const size_t inner_end =
-      std::min<size_t>({inner_columns.end, row.width - std::min<size_t>(row.width, kReadAfter), end});
+      std::min<size_t>({inner_columns.end, row.width - std::min<size_t>(row.width, kReadAfter), stream_end});
   const Sink inner_sink = sink;  // a copy: `some` takes the address of the original, which keeps it in memory
   // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
   const size_t blocks = (std::max(inner_end, x) - x) / kLanes;
@@ -163,7 +168,7 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
   for (; x + kLanes <= end; x += kLanes) whole(x);
   if (x == end) return;
   if constexpr (kStores == StoreKind::kStreaming) {
-    some(x, 0, end - x);
+    some(x, end - x);
   } else {
     whole(end - kLanes);  // overlaps the block before
   }

@@ -19,8 +19,6 @@ namespace prismo::HWY_NAMESPACE {
 #define PRISMO_OWN_INTERLEAVE 0
 #endif
 
-inline constexpr size_t kCacheLine = 64;
-
 // Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
 // 128-bit lane first those at even places, then those at odd ones, as packing leaves them.
 enum class Order { kPixels, kHalves };
@@ -182,14 +180,14 @@ struct PackedSink {
   // by streaming stores, if these are wanted. Not by a masked store: it fetches lines that it writes nothing
   // to, which streaming stores own.
   template <StoreKind kStores>
-  HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8 b, V8 g, V8 r) const {
+  HWY_INLINE void StoreSome(size_t x, size_t count, V8 b, V8 g, V8 r) const {
     HWY_ALIGN uint8_t block[kBytes * kLanes];
     StoreTo<StoreKind::kCached>(block, b, g, r);
-    size_t done = kBytes * from;
-    const size_t end = done + kBytes * count;
+    size_t done = 0;
+    const size_t end = kBytes * count;
     uint8_t* const to = At(x);
     if constexpr (kStores == StoreKind::kStreaming) {
-      if (from == 0 && reinterpret_cast<uintptr_t>(to) % kCacheLine == 0) {
+      if (reinterpret_cast<uintptr_t>(to) % kCacheLine == 0) {
         for (; done < end / kCacheLine * kCacheLine; done += kLanes) {
           Put<kStores>(hn::Load(D8(), block + done), D8(), to + done);
         }
@@ -198,7 +196,7 @@ struct PackedSink {
     std::memcpy(to + done, block + done, end - done);
   }
 
-  HWY_INLINE size_t PixelsToAlign(size_t x) const { return PixelsToAlignment(At(x), kBytes); }
+  HWY_INLINE size_t PixelsToLine(size_t x) const { return HWY_NAMESPACE::PixelsToLine(At(x), kBytes); }
 
   // Fetches the line of pixel x for a plain store to come: a store that misses would hold up those behind it.
   HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(At(x), 1); }
@@ -249,19 +247,19 @@ struct PlanarSink {
   }
 
   template <StoreKind>
-  HWY_INLINE void StoreSome(size_t x, size_t from, size_t count, V8 b, V8 g, V8 r) const {
+  HWY_INLINE void StoreSome(size_t x, size_t count, V8 b, V8 g, V8 r) const {
     HWY_ALIGN uint8_t block[3][kLanes];
     hn::Store(b, D8(), block[0]);
     hn::Store(g, D8(), block[1]);
     hn::Store(r, D8(), block[2]);
-    for (size_t i = 0; i < 3; ++i) std::memcpy(plane[i] + x + from - first, block[i] + from, count);
+    for (size_t i = 0; i < 3; ++i) std::memcpy(plane[i] + x - first, block[i], count);
   }
 
   // Only planes that are equally misaligned can all be aligned.
-  HWY_INLINE size_t PixelsToAlign(size_t x) const {
-    const size_t pixels = PixelsToAlignment(plane[0] + x - first, 1);
+  HWY_INLINE size_t PixelsToLine(size_t x) const {
+    const size_t pixels = HWY_NAMESPACE::PixelsToLine(plane[0] + x - first, 1);
     for (size_t i = 1; i < 3; ++i) {
-      if (PixelsToAlignment(plane[i] + x - first, 1) != pixels) return kLanes;
+      if (HWY_NAMESPACE::PixelsToLine(plane[i] + x - first, 1) != pixels) return kCacheLine;
     }
     return pixels;
   }

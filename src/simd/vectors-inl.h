@@ -106,13 +106,15 @@ HWY_INLINE void Put(V v, D d, T* to) {
   }
 }
 
-// Pixels of `pixel_bytes` to go until `to` is aligned for streaming stores; kLanes or more when that takes
-// too many or never happens.
-HWY_INLINE size_t PixelsToAlignment(const uint8_t* to, size_t pixel_bytes) {
-  for (size_t pixels = 0; pixels < kLanes; ++pixels) {
-    if ((reinterpret_cast<uintptr_t>(to) + pixels * pixel_bytes) % kLanes == 0) return pixels;
-  }
-  return kLanes;
+inline constexpr size_t kCacheLine = 64;
+
+// Pixels of `pixel_bytes` to go until a cache line starts, from where on streaming stores fill whole ones;
+// kCacheLine when that never happens. Without vectors nothing is streamed.
+HWY_INLINE size_t PixelsToLine(const uint8_t* to, size_t pixel_bytes) {
+  if (kLanes == 1) return 0;
+  const size_t bytes = -reinterpret_cast<uintptr_t>(to) % kCacheLine;
+  if (pixel_bytes == 3) return bytes * 43 % kCacheLine;  // 3 x 43 is 1 modulo 64
+  return bytes % pixel_bytes == 0 ? bytes / pixel_bytes : kCacheLine;
 }
 
 }  // namespace prismo::HWY_NAMESPACE
