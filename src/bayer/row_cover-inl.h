@@ -112,7 +112,7 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
       to.template Store<kStores>(x, other, green, row_colour);
     }
   };
-  // Streaming stores fill the lines of memory from stream_begin to stream_end, nothing else goes there.
+  // From stream_begin to stream_end whole blocks are streamed, which fill whole lines of memory.
   size_t stream_begin = begin, stream_end = end;
   // The first `count` lanes of the block at x. Kept out of line: rows have a few such blocks.
   const auto some = [&](size_t x, size_t count) HWY_ATTR __attribute__((noinline)) {

@@ -176,8 +176,8 @@ struct PackedSink {
     StoreTo<kStores>(At(x), b, g, r);
   }
 
-  // Writes lanes from .. from + count - 1 of a block whose lane 0 is pixel x: whole aligned lines of memory
-  // by streaming stores, if these are wanted. Not by a masked store: it fetches lines that it writes nothing
+  // Writes the first `count` lanes of a block whose lane 0 is pixel x: whole aligned lines of memory by
+  // streaming stores, if these are wanted. Not by a masked store: it fetches lines that it writes nothing
   // to, which streaming stores own.
   template <StoreKind kStores>
   HWY_INLINE void StoreSome(size_t x, size_t count, V8 b, V8 g, V8 r) const {

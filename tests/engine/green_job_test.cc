@@ -13,6 +13,7 @@
 
 #include "PrismoUtl.h"
 #include "bayer/acpi_job.h"
+#include "mp/work.h"
 #include "support/pool.h"
 
 namespace prismo {
@@ -164,30 +165,43 @@ class SecondWorkGivenUp : public test::PoolTest {
     return ExecWork2(&Wait, 0, 0, nullptr, 1, 1, 1, 1, &until, 0, 1, 0);
   }
 
+  // True when so many works exist, a moment after the last of them was made: it is waited for by then.
+  static bool Exist(int32_t works, std::chrono::milliseconds moment) {
+    for (int i = 0; i < 10'000 && mp::Work::Live() != works; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    std::this_thread::sleep_for(moment);
+    return mp::Work::Live() == works;
+  }
+
   // The picture after a call whose first work was done and whose second one never began. That shows in a byte
   // of green; in none without a byte to look at.
   static std::vector<uint8_t> Picture(size_t bytes, std::optional<size_t> green, const Call& call) {
-    for (int patience_ms = 10; patience_ms < 2000; patience_ms *= 2) {
-      const std::chrono::milliseconds patience(patience_ms);
-      EXPECT_TRUE(test::StartPool(1, 3000));
+    uint32_t before_status = 0, status = 0, between_status = 0;
+    for (int moment_ms = 5; moment_ms < 1000; moment_ms *= 2) {
+      const std::chrono::milliseconds moment(moment_ms);
+      EXPECT_TRUE(test::StartPool(1, static_cast<uint32_t>(1000 + 20 * moment_ms)));
       std::vector<uint8_t> picture(bytes, kBefore);
       std::latch first(1), second(1);
-      std::thread before([&] { EXPECT_EQ(Occupy(first), UTL_STS_SUCCESS); });
-      std::this_thread::sleep_for(patience);
-      std::thread caller([&] { EXPECT_EQ(call(picture.data()), UTL_STS_TIMEOUT); });
-      std::this_thread::sleep_for(patience);
-      std::thread between([&] { EXPECT_EQ(Occupy(second), UTL_STS_SUCCESS); });
-      std::this_thread::sleep_for(patience);
-      SetMPTimeout_msec(static_cast<uint32_t>(5 * patience_ms));  // of works that begin to be waited for now
+      std::thread before([&] { before_status = Occupy(first); });
+      bool in_order = Exist(1, moment);
+      std::thread caller([&] { status = call(picture.data()); });
+      in_order = Exist(2, moment) && in_order;
+      std::thread between([&] { between_status = Occupy(second); });
+      in_order = Exist(3, moment) && in_order;
+      SetMPTimeout_msec(static_cast<uint32_t>(20 + moment_ms));  // of the second work alone
       first.count_down();
       before.join();
       caller.join();
       second.count_down();
       between.join();
       TerminateMPThreads();
-      if (!green || picture[*green] != kBefore || HasFailure()) return picture;
+      const bool as_wanted = in_order && before_status == UTL_STS_SUCCESS && status == UTL_STS_TIMEOUT &&
+                             between_status == UTL_STS_SUCCESS;
+      if (as_wanted && (!green || picture[*green] != kBefore)) return picture;
     }
-    ADD_FAILURE() << "the works never came in the wanted order";
+    ADD_FAILURE() << "the works never came in the wanted order; at last " << before_status << ", " << status
+                  << " and " << between_status;
     return std::vector<uint8_t>(bytes, kBefore);
   }
 };

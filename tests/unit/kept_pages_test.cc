@@ -28,7 +28,7 @@ TEST_F(KeptPages, AreThereInFull) {
 }
 
 TEST_F(KeptPages, GrowWithWhatIsTaken) {
-  const std::shared_ptr<void> small = TakePages(KeptFor::kGreens, 4096);
+  TakePages(KeptFor::kGreens, 4096);
   const std::shared_ptr<void> large = TakePages(KeptFor::kGreens, 1 << 20);
   std::memset(large.get(), 1, 1 << 20);
 }
