@@ -2,7 +2,7 @@
 // before its submitter or after it.
 #include <gtest/gtest.h>
 
-#include <barrier>
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -125,17 +125,21 @@ TEST_P(GreenJobTest, WorkersAndTheSubmitterMayComeAtOnce) {
     green_.ComputeRows({1, 1});
     green_.ComputeRows({kHeight - 2, 1});
     std::fill(picture_.begin(), picture_.end(), kBefore);
-    std::barrier together(2);
+    std::atomic<int> arrived{0};
+    const auto meet = [&arrived](int time) {
+      ++arrived;
+      while (arrived < 2 * time) std::this_thread::yield();
+    };
     std::thread worker([&] {
-      together.arrive_and_wait();
+      meet(1);
       green_.Rows(kMiddle);
-      together.arrive_and_wait();
+      meet(2);
       colours_.Rows(kMiddle);
     });
-    together.arrive_and_wait();
+    meet(1);
     const bool at_first = round % 2 == 0;
     if (at_first) green_.GiveUp(kMiddle);
-    together.arrive_and_wait();
+    meet(2);
     if (!at_first) green_.GiveUp(kMiddle);
     worker.join();
     for (int32_t y = kMiddle.first; y < kMiddle.first + kMiddle.count; ++y) {
