@@ -82,7 +82,7 @@ Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize si
     return Status::kSuccess;
   }
   if (!size.Even()) return Status::kInvalidParameter;
-  const auto [width, height] = size;
+  const uint32_t width = size.width, height = size.height;
   mp::LogStarted(EntryName(form));
   ConvertBorderRows(MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0));
   mp::LogStep(EntryName(form), mp::LogKind::kStep1);
