@@ -65,7 +65,9 @@ PoolRef EnsurePool(Prepare&& prepare, Arguments... arguments) {
 
 void Leave(MPManager&) {}
 
+// The second one may be null.
 std::shared_ptr<void> Both(std::shared_ptr<void> first, std::shared_ptr<void> second) {
+  if (!second) return first;
   return std::make_shared<std::pair<std::shared_ptr<void>, std::shared_ptr<void>>>(std::move(first),
                                                                                    std::move(second));
 }
@@ -126,8 +128,7 @@ Status ExecRows(const WorkGeometry& geometry, const JobRef& job, LogFunction wor
 }
 
 SharedWithWorks::SharedWithWorks(std::shared_ptr<void> memory)
-    : outer_(shared_with_works),
-      memory_(outer_ ? Both(std::move(memory), outer_->memory_) : std::move(memory)) {
+    : outer_(shared_with_works), memory_(Both(std::move(memory), Memory())) {
   shared_with_works = this;
 }
 

@@ -128,7 +128,6 @@ int32_t MPManager::GetThreadPriority() {
 void MPManager::WakeThreads(Caller caller) {
   const int32_t threads = CurrentThreads();
   for (int32_t index = 1; index < threads; ++index) slots_[static_cast<size_t>(index)].wake.Set();
-  if (threads == 0) return;
   // The first thread takes over the caller's processor. Left to itself the system finds that one busy and
   // puts two threads on another, and again each time (measured on two processors: in 37 of 136 rows of the
   // benchmark two threads were as slow as one).
