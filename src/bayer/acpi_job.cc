@@ -36,7 +36,7 @@ class Slots {
   const uint32_t rows_;
   uint32_t present_ = 0;
   std::array<int16_t*, 2 * kMostRows> slots_;
-  std::array<Words, kMostRows> words_{};
+  std::array<Words, kMostRows> words_;
 };
 
 // The rows under way of a strip of columns, from top to bottom: split samples of five, or three where greens
@@ -49,24 +49,41 @@ class Ring {
       : images_(images),
         plane_(plane),
         kernels_(CurrentAcpiKernels()),
-        columns_{GreenPlane::FirstColumn(columns), std::min((columns.end + 4) & ~1u, images.frame.width)},
+        columns_{(columns.begin - std::min(columns.begin, 3u)) & ~1u,
+                 std::min((columns.end + 4) & ~1u, images.frame.width)},
+        green_columns_{columns.begin - std::min(columns.begin, 1u),
+                       std::min(columns.end + 1, images.frame.width)},
         row_(first_row - 1),
-        samples_(plane ? 3 : 5, columns_.begin),
-        greens_(3, columns_.begin) {
+        samples_(plane ? 3 : 5, GreenPlane::FirstColumn(columns)),
+        greens_(3, GreenPlane::FirstColumn(columns)) {
     if (plane_) return;
-    for (int32_t dy = first_row == 1 ? 0 : -1; dy <= 2; ++dy) kernels_.split(ToSplit(dy, columns_));
+    for (int32_t dy = first_row == 1 ? 0 : -1; dy <= 2; ++dy) kernels_.split(ToSplit(dy));
+  }
+
+  // The next row: use(kernels, from, row, words) makes its greens.
+  template <class Use>
+  void Next(const Use& use) {
+    NextRow();
+    const BayerRow row = Row(row_, green_columns_);
+    if (plane_) {
+      const GreenBytes kept{
+          {Samples(-2), Samples(-1), Samples(0)}, ToSplit(0), plane_.Row(row_), plane_.Pitch()};
+      use(kernels_.kept, kept, row, greens_.At(0));
+    } else {
+      use(kernels_.computed, Lines(), row, greens_.At(0));
+    }
   }
 
   void NextGreens() {
-    if (!plane_) return Compute(kernels_.green, columns_.begin, [this] { return greens_.At(0); });
-    NextRow();
-    kernels_.restore(ToSplit(0, columns_), plane_.Row(row_), plane_.Pitch(), Row(row_, columns_),
-                     greens_.At(0));
+    Next([](const auto& kernels, const auto& from, const BayerRow& row, int16_t* words) {
+      kernels.green(from, row, words);
+    });
   }
 
-  // Those from a column on to the plane. For a ring that has none itself.
-  void NextGreensTo(const GreenPlane& plane, uint32_t first_column) {
-    Compute(kernels_.green_bytes, first_column, [&] { return plane.Row(row_); });
+  // The same to the plane. For a ring that has none itself.
+  void NextGreensTo(const GreenPlane& plane) {
+    NextRow();
+    kernels_.green_bytes(Lines(), Row(row_, green_columns_), plane.Row(row_));
   }
 
   // Of the row whose greens came last, or of one up to two rows above or below.
@@ -86,49 +103,50 @@ class Ring {
     greens_.Next();
   }
 
-  // Kernels split the row ahead from the first column on whose greens they compute.
-  template <class Kernel, class To>
-  void Compute(Kernel kernel, uint32_t first_column, const To& to) {
-    NextRow();
+  // What the present row's greens are computed from. The frame's second and second last row have but one row
+  // above or below.
+  GreenLines Lines() {
     const bool second_last = row_ + 2 == images_.frame.height;
     const bool bilinear = row_ == 1 || second_last;
-    const uint32_t first_pair = first_column & ~1u;
-    const RowToSplit ahead = ToSplit(second_last ? 1 : 2, {first_pair, columns_.end});
-    if (first_pair > columns_.begin)
-      kernels_.split(ToSplit(second_last ? 1 : 2, {columns_.begin, first_pair}));
-    if (row_ == 1 && !second_last) kernels_.split(ahead);
-    const GreenLines lines{{Samples(-2), Samples(-1), Samples(0), Samples(1), Samples(2)},
-                           bilinear,
-                           bilinear ? nullptr : &ahead};
-    kernel(lines, Row(row_, {first_column, columns_.end}), to());
+    if (row_ == 1 && !second_last) kernels_.split(ToSplit(2));
+    return {{Samples(-2), Samples(-1), Samples(0), Samples(1), Samples(2)},
+            bilinear,
+            bilinear ? RowToSplit{} : ToSplit(2)};
   }
 
-  // In whole blocks, as long as there is memory of the frame to read.
-  RowToSplit ToSplit(int32_t dy, ColumnRange columns) const {
-    const auto [width, height] = images_.frame;
+  RowToSplit ToSplit(int32_t dy) const {
     const auto y = static_cast<uint32_t>(static_cast<int32_t>(row_) + dy);
-    const auto end =
-        static_cast<uint32_t>(std::min<size_t>(UpToBlock(columns.end), size_t{width} * (height - y)));
-    return {images_.Line(y), {columns.begin, end}, width, samples_.At(dy)};
+    return {images_.Line(y), columns_, images_.frame.width, samples_.At(dy)};
   }
 
   const AcpiImages& images_;
   const GreenPlane plane_;
   const AcpiKernels& kernels_;
-  const ColumnRange columns_;
-  uint32_t row_;  // whose greens came last
+  const ColumnRange columns_;        // of samples
+  const ColumnRange green_columns_;  // of greens for colours
+  uint32_t row_;                     // whose greens came last
   Slots<5> samples_;
   Slots<3> greens_;
 };
 
-// Calls use(strip) for the columns in strips of about the same width.
+// Rows of a tile, whose source stays in the second-level cache from one strip to the next.
+constexpr int32_t kTileRows = 256;
+
+// Calls use(strip, rows) for tiles of the picture: columns in strips of about the same width, one after the
+// other for some rows at a time. Strips of the whole height would leave to each other what the processor
+// reads ahead in a row (measured at 26 megapixels: 5 to 10 % more time).
 template <class Use>
-void ForEachStrip(ColumnRange columns, const Use& use) {
+void ForEachTile(ColumnRange columns, RowRange rows, const Use& use) {
   const uint32_t count = columns.end - columns.begin;
   const uint32_t strips = (count + kStripColumns - 1) / kStripColumns;
-  const uint32_t width = strips == 0 ? 0 : UpToBlock((count + strips - 1) / strips);
-  for (uint32_t x = columns.begin; x < columns.end; x += std::min(width, columns.end - x)) {
-    use(ColumnRange{x, x + std::min(width, columns.end - x)});
+  if (strips == 0) return;
+  const uint32_t width = UpToBlock((count + strips - 1) / strips);
+  const int32_t height = strips == 1 ? rows.count : kTileRows;
+  for (int32_t y = 0; y < rows.count; y += height) {
+    for (uint32_t x = columns.begin; x < columns.end; x += std::min(width, columns.end - x)) {
+      use(ColumnRange{x, x + std::min(width, columns.end - x)},
+          RowRange{rows.first + y, std::min(height, rows.count - y)});
+    }
   }
 }
 
@@ -157,14 +175,9 @@ uint32_t AcpiJob::StripBorder(uint32_t y, uint32_t column) const {
 
 void AcpiJob::Rows(RowRange range) const {
   if (greens) range.count = Taken(greens, range);
-  const AcpiKernels& kernels = CurrentAcpiKernels();
-  const ColourRow convert =
-      (images.layout == Layout::kBgra ? kernels.bgra : kernels.bgr)[static_cast<size_t>(stores)];
-  if (range.count == 0) return;
-  const auto first_row = static_cast<uint32_t>(range.first);
-  const uint32_t end_row = first_row + static_cast<uint32_t>(range.count);
-
-  ForEachStrip(region.columns, [&](ColumnRange strip) {
+  ForEachTile(region.columns, range, [&](ColumnRange strip, RowRange rows) {
+    const auto first_row = static_cast<uint32_t>(rows.first);
+    const uint32_t end_row = first_row + static_cast<uint32_t>(rows.count);
     // Rows that begin at the same place of a line of memory all end there, too.
     const uint32_t end = images.dst_pitch % kBlockColumns == 0
                              ? StripBorder(first_row, strip.end)
@@ -173,16 +186,19 @@ void AcpiJob::Rows(RowRange range) const {
     ring.NextGreens();
     ring.NextGreens();
     for (uint32_t y = first_row; y < end_row; ++y) {
-      ring.NextGreens();
       const bool adaptive = y >= region.adaptive_first_row && y <= region.adaptive_last_row;
-      const ColourLines lines{{ring.Samples(-2), ring.Samples(-1), ring.Samples(0)},
-                              {ring.Greens(-2), ring.Greens(-1), ring.Greens(0)},
-                              adaptive ? region.adaptive_columns : ColumnRange{0, 0}};
-      convert(lines, ring.Row(y, {StripBorder(y, strip.begin), StripBorder(y, strip.end)}), images.Target(y));
+      ring.Next([&](const auto& kernels, const auto& greens_from, const BayerRow& below, int16_t* words) {
+        const ColourLines lines{{ring.Greens(-2), ring.Greens(-1), ring.Greens(0)},
+                                adaptive ? region.adaptive_columns : ColumnRange{0, 0}};
+        const BayerRow row = ring.Row(y, {StripBorder(y, strip.begin), StripBorder(y, strip.end)});
+        const auto& convert = images.layout == Layout::kBgra ? kernels.bgra : kernels.bgr;
+        convert[static_cast<size_t>(stores)](lines, greens_from, below, words, row, images.Target(y));
+      });
     }
   });
   if (pad_bytes != 0) {
-    for (uint32_t y = first_row; y < end_row; ++y) {
+    for (int32_t i = 0; i < range.count; ++i) {
+      const auto y = static_cast<uint32_t>(range.first + i);
       std::memset(images.Target(y).plane[0] + images.dst_pitch - pad_bytes, 0, pad_bytes);
     }
   }
@@ -190,9 +206,9 @@ void AcpiJob::Rows(RowRange range) const {
 }
 
 void GreenJob::ComputeRows(RowRange range) const {
-  ForEachStrip(columns, [&](ColumnRange strip) {
-    Ring ring(images, {}, strip, static_cast<uint32_t>(range.first));
-    for (int32_t i = 0; i < range.count; ++i) ring.NextGreensTo(greens, strip.begin);
+  ForEachTile(columns, range, [&](ColumnRange strip, RowRange rows) {
+    Ring ring(images, {}, strip, static_cast<uint32_t>(rows.first));
+    for (int32_t i = 0; i < rows.count; ++i) ring.NextGreensTo(greens);
   });
 }
 

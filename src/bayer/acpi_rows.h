@@ -50,35 +50,46 @@ using SplitColumns = void (*)(const RowToSplit& row);
 struct GreenLines {
   SplitRow raw[5];  // rows y - 2 to y + 2
   bool bilinear;  // the whole row, for the frame's second and second last; rows y - 2 and y + 2 do not count
-  const RowToSplit* ahead;  // row y + 2, if it is yet to be split
+  RowToSplit ahead;  // row y + 2; no columns where it is split already
+};
+
+// Greens that were made before, as bytes: site x is [x / 2].
+struct GreenBytes {
+  static constexpr bool bilinear = false;  // their bytes are right as they are
+  SplitRow raw[3];                         // rows y - 2 to y
+  RowToSplit split;                        // row y
+  const uint8_t* bytes;
+  size_t next;  // what lies so many bytes further is read ahead
 };
 
 // Greens of the row's sites from an even column on, with their differences or, as bytes, alone: site x is
 // [x / 2]. In the frame's two outermost columns on each side they are bilinear. What lies behind the row's
 // columns is written, too: up to kSplitMargin sites.
-using GreenRow = void (*)(const GreenLines& lines, const BayerRow& row, int16_t* words);
-using GreenByteRow = void (*)(const GreenLines& lines, const BayerRow& row, uint8_t* bytes);
-
-// Splits a row and makes words of its greens that have been bytes, for the same columns as GreenRow. The
-// bytes that lie `next_greens` further are read ahead.
-using RestoreRow = void (*)(const RowToSplit& split, const uint8_t* greens, size_t next_greens,
-                            const BayerRow& row, int16_t* words);
+template <class From, typename T>
+using GreenRow = void (*)(const From& from, const BayerRow& row, T* to);
 
 struct ColourLines {
-  SplitRow raw[3];       // rows y - 1 to y + 1
-  SiteGreens greens[3];  // of the same rows
+  SiteGreens greens[3];  // rows y - 1 to y + 1
   ColumnRange adaptive;  // red and blue are bilinear in the other columns
 };
 
-using ColourRow = void (*)(const ColourLines& lines, const BayerRow& row, const RowTarget& target);
+// Also makes the greens of the row below.
+template <class From>
+using ColourRow = void (*)(const ColourLines& lines, const From& from, const BayerRow& below, int16_t* words,
+                           const BayerRow& row, const RowTarget& target);
+
+template <class From>
+struct AcpiRows {
+  GreenRow<From, int16_t> green;
+  ColourRow<From> bgra[2];  // [plain stores, streaming stores]
+  ColourRow<From> bgr[2];
+};
 
 struct AcpiKernels {
   SplitColumns split;
-  GreenRow green;
-  GreenByteRow green_bytes;
-  RestoreRow restore;
-  ColourRow bgra[2];  // [plain stores, streaming stores]
-  ColourRow bgr[2];
+  GreenRow<GreenLines, uint8_t> green_bytes;
+  AcpiRows<GreenLines> computed;
+  AcpiRows<GreenBytes> kept;
 };
 
 const AcpiKernels& CurrentAcpiKernels();

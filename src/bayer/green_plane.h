@@ -38,9 +38,10 @@ class GreenPlane {
 
   size_t Pitch() const { return pitch_; }
 
-  // The first column whose sites are there.
+  // The first column whose sites are there: an even one, three columns before the first at least, and no more
+  // than a block.
   static uint32_t FirstColumn(ColumnRange columns) {
-    return DownToBlock(columns.begin - std::min(columns.begin, 3u));
+    return columns.begin < kBlockColumns ? 0 : (columns.begin - (kBlockColumns - 1)) & ~1u;
   }
 
   // A row's greens are complete. True if the submitter had given the row up: its worker has to put them

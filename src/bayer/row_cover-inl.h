@@ -93,12 +93,12 @@ template <class Sink>
 HWY_INLINE void PrepareStores(const Sink&, size_t) {}
 
 // Covers the columns of `row`.
-//   inner(x, block, starts_green, row_colour, green, other_colour)
-//     block number `block` from column x on, one of those all of whose columns lie in `inner_columns`
+//   inner(x, blocks, starts_green)
+//     makes what computes the blocks from column x on, all of whose columns lie in `inner_columns`:
+//     (block, row_colour, green, other_colour), called for block 0, 1, 2 ...
 //   border(x, starts_green, row_colour, green, other_colour)
-//     any other block, from column x on
-// compute one block: the colour of the row's sites that are not green, green, and the colour of the rows
-// between.
+//     computes any other block, from column x on; called after the inner ones
+// A block is the colour of the row's sites that are not green, green, and the colour of the rows between.
 template <StoreKind kStores, class Sink, class Inner, class Border>
 HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, const Sink& sink,
                              const Inner& inner, const Border& border) {
@@ -127,36 +127,36 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
   };
   const auto whole = [&](size_t x) HWY_ATTR { some(x, kLanes); };
 
-  if (end - begin < kLanes) return some(begin, end - begin);
-  size_t x = begin;
   if constexpr (kStores == StoreKind::kStreaming) {
     constexpr size_t kBlockBytes = Sink::kPixelBytes * kLanes;
     constexpr size_t kWholeLines = std::lcm(kBlockBytes, kCacheLine) / kBlockBytes * kLanes;  // pixels
     stream_begin = std::min(begin + sink.PixelsToLine(begin), end);
     stream_end = stream_begin + (end - stream_begin) / kWholeLines * kWholeLines;
     if (Sink::kPixelBytes * (end - stream_begin) % kCacheLine != 0) sink.PrepareStore(end - 1);
-    for (; x < stream_begin; x += std::min(kLanes, stream_begin - x)) {
-      some(x, std::min(kLanes, stream_begin - x));
-    }
   }
-  const size_t inner_begin = std::max<size_t>(inner_columns.begin, kReadBefore);
-  for (; x < inner_begin && x + kLanes <= stream_end; x += kLanes) whole(x);
-  const size_t inner_end =
+  const size_t inner_from = std::max<size_t>(inner_columns.begin, kReadBefore);
+  const size_t inner_to =
       std::min<size_t>({inner_columns.end, row.width - std::min<size_t>(row.width, kReadAfter), stream_end});
+  size_t x = stream_begin;
+  if (x < inner_from) x += (inner_from - x + kLanes - 1) / kLanes * kLanes;
+  const size_t blocks = (std::max(inner_to, x) - x) / kLanes;
   const Sink inner_sink = sink;  // a copy: `some` takes the address of the original, which keeps it in memory
   // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
-  const size_t blocks = (std::max(inner_end, x) - x) / kLanes;
   const auto inner_blocks = [&](auto starts_green) PRISMO_INLINE {
-    const auto one = [&](size_t block, auto green_first) PRISMO_INLINE {
+    const auto one = [&](auto& compute, size_t block) PRISMO_INLINE {
       V8 row_colour, green, other_colour;
-      inner(x, block, green_first, row_colour, green, other_colour);
+      compute(block, row_colour, green, other_colour);
       store(inner_sink, x + block * kLanes, row_colour, green, other_colour);
     };
-    for (size_t i = 0; i < blocks; ++i) {
-      one(i, starts_green);
-      if constexpr (kLanes == 1) {  // the next block is the next site
-        if (++i < blocks) one(i, std::bool_constant<!decltype(starts_green)::value>());
+    auto compute = inner(x, blocks, starts_green);
+    if constexpr (kLanes == 1) {  // the next block is the next site
+      auto compute_next = inner(x, blocks, std::bool_constant<!decltype(starts_green)::value>());
+      for (size_t i = 0; i < blocks; ++i) {
+        one(compute, i);
+        if (++i < blocks) one(compute_next, i);
       }
+    } else {
+      for (size_t i = 0; i < blocks; ++i) one(compute, i);
     }
   };
   if (StartsGreen(row.role, x)) {
@@ -164,6 +164,13 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
   } else {
     inner_blocks(std::false_type());
   }
+  if (end - begin < kLanes) return some(begin, end - begin);
+  for (size_t left = begin; left < stream_begin; left += std::min(kLanes, stream_begin - left)) {
+    some(left, std::min(kLanes, stream_begin - left));
+  }
+  const size_t inner_begin = x;
+  x = stream_begin;
+  for (; x < inner_begin && x + kLanes <= stream_end; x += kLanes) whole(x);
   x += blocks * kLanes;
   for (; x + kLanes <= end; x += kLanes) whole(x);
   if (x == end) return;
@@ -188,20 +195,19 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], const BayerRow& row, C
   for (size_t i = 0; i < kLines; ++i) inner_lines.from[i] = LoadedAlone(lines[i]);
   CoverColumns<kStores>(
       row, inner_columns, sink,
-      [=](size_t first, size_t block, auto starts_green, V8& row_colour, V8& green, V8& other_colour)
-          PRISMO_INLINE {
-            const size_t x = first + block * kLanes;
-            const T* at_x[kLines];
-            for (size_t i = 0; i < kLines; ++i) at_x[i] = inner_lines.from[i] + x;
-            if constexpr (kAhead < kLines) {
-              const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[kAhead]) + kPrefetchBytes;
-              for (size_t byte = 0; byte < kLanes * sizeof(T); byte += kCacheLine)
-                hwy::Prefetch(ahead + byte);
-            }
-            if constexpr (kStores == StoreKind::kCached && kLanes > 1 && sizeof(T) == 1)
-              PrepareStores(sink, x);
-            inner(at_x, starts_green, row_colour, green, other_colour);
-          },
+      [=](size_t first, size_t, auto starts_green) PRISMO_INLINE {
+        return [=](size_t block, V8& row_colour, V8& green, V8& other_colour) PRISMO_INLINE {
+          const size_t x = first + block * kLanes;
+          const T* at_x[kLines];
+          for (size_t i = 0; i < kLines; ++i) at_x[i] = inner_lines.from[i] + x;
+          if constexpr (kAhead < kLines) {
+            const auto* ahead = reinterpret_cast<const uint8_t*>(at_x[kAhead]) + kPrefetchBytes;
+            for (size_t byte = 0; byte < kLanes * sizeof(T); byte += kCacheLine) hwy::Prefetch(ahead + byte);
+          }
+          if constexpr (kStores == StoreKind::kCached && kLanes > 1 && sizeof(T) == 1) PrepareStores(sink, x);
+          inner(at_x, starts_green, row_colour, green, other_colour);
+        };
+      },
       [&](size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) HWY_ATTR {
         const Window<T, kLines> window(lines, x, row);
         border(window.line, x, starts_green, row_colour, green, other_colour);

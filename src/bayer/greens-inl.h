@@ -1,0 +1,291 @@
+// Greens of the red and blue sites of a mosaic, for the adaptive demosaic. Compiled once per instruction set.
+#if defined(PRISMO_BAYER_GREENS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PRISMO_BAYER_GREENS_INL_H_
+#undef PRISMO_BAYER_GREENS_INL_H_
+#else
+#define PRISMO_BAYER_GREENS_INL_H_
+#endif
+
+#include <algorithm>
+#include <cstddef>
+
+#include "bayer/acpi_rows.h"
+#include "bayer/row_cover-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace prismo::HWY_NAMESPACE {
+
+// Green and other sites alternate, so one vector of 16-bit lanes holds all sites of one kind of a block:
+// those of its even bytes or those of its odd ones. With one lane there is nothing to tell apart: each block
+// is one site.
+using DSite = hn::RebindToSigned<D16>;
+using VSite = hn::Vec<DSite>;
+inline constexpr ptrdiff_t kSites = hn::MaxLanes(DSite());
+
+HWY_INLINE VSite ClampToByte(VSite v) {
+  return hn::Min(hn::Max(v, hn::Zero(DSite())), hn::Set(DSite(), 255));
+}
+
+HWY_INLINE VSite Mean(VSite a, VSite b) { return hn::ShiftRight<1>(hn::Add(a, b)); }
+HWY_INLINE VSite Mean(VSite a, VSite b, VSite c, VSite d) {
+  return hn::ShiftRight<2>(hn::Add(hn::Add(a, b), hn::Add(c, d)));
+}
+
+// One of two directions to interpolate along.
+struct Direction {
+  VSite gradient;
+  VSite estimate;  // times four
+
+  // Neighbours a and b, the second difference of the channel that is known at all sites.
+  HWY_INLINE Direction(VSite a, VSite b, VSite laplacian, VSite four_times)
+      : gradient(hn::Add(hn::Abs(hn::Sub(a, b)), hn::Abs(laplacian))), estimate(four_times) {}
+};
+
+// The estimate along the direction of the smaller gradient; the mean of both on a tie. All intermediate
+// values fit 16 bits.
+HWY_INLINE VSite Smoother(const Direction& a, const Direction& b) {
+  // Twice the better one, or the sum of both.
+  const VSite twice = hn::Add(hn::IfThenElse(hn::Gt(a.gradient, b.gradient), b.estimate, a.estimate),
+                              hn::IfThenElse(hn::Gt(b.gradient, a.gradient), a.estimate, b.estimate));
+  return hn::ShiftRight<3>(twice);
+}
+
+inline constexpr ptrdiff_t kSplitColumns = 2 * kSites;
+
+// Samples at even columns, and at odd ones.
+struct Halves {
+  VSite even, odd;
+};
+
+// From column x on, which is even.
+HWY_INLINE Halves SplitBlock(const RowToSplit& row, ptrdiff_t x) {
+#if HWY_TARGET == HWY_SCALAR
+  const Halves halves{hn::Set(DSite(), row.line[x]), hn::Set(DSite(), row.line[x + 1])};
+#else
+  hwy::Prefetch(row.line + x + row.next_row);
+  const auto both = hn::BitCast(D16(), hn::LoadU(D8(), row.line + x));
+  const Halves halves{hn::BitCast(DSite(), hn::And(both, hn::Set(D16(), 255))),
+                      hn::BitCast(DSite(), hn::ShiftRight<8>(both))};
+#endif
+  hn::StoreU(halves.even, DSite(), row.words + x / 2);
+  hn::StoreU(halves.odd, DSite(), row.words + x / 2 + kSplitPitch);
+  return halves;
+}
+
+// The outermost columns, which whole blocks from anywhere on may leave out.
+inline void SplitEnds(const RowToSplit& row) {
+  const auto [begin, end] = row.columns;
+  if (end - begin >= kSplitColumns) {
+    SplitBlock(row, begin);
+    SplitBlock(row, end - kSplitColumns);
+    return;
+  }
+  for (size_t x = begin; x < end; x += 2) {
+    row.words[x / 2] = row.line[x];
+    row.words[kSplitPitch + x / 2] = row.line[x + 1];
+  }
+}
+
+// Rows of words, the last of which is split when its blocks are asked for: in passing, as beside the stores
+// of pixels that are under way its own would fill the queue.
+template <size_t kRows>
+class RawRows {
+ public:
+  HWY_INLINE RawRows(const SplitRow (&rows)[kRows], const RowToSplit& last) : last_(last) {
+    for (size_t i = 0; i < kRows; ++i) even_[i] = LoadedAlone(rows[i].even);
+    last_.line = LoadedAlone(last.line);
+    last_.next_row = LoadedAlone(last.next_row);
+    SplitEnds(last_);
+  }
+
+  HWY_INLINE const int16_t* Even(size_t row) const { return even_[row]; }
+
+  // Sites i to i + kSites - 1 of the last row, at its odd columns or the even ones. At an edge some of them
+  // lie where nothing is to be split.
+  HWY_INLINE VSite Last(ptrdiff_t i, bool odd, bool edge) const {
+    const ptrdiff_t begin = last_.columns.begin, end = last_.columns.end;
+    if (edge && (2 * i < begin || 2 * i + kSplitColumns > end)) {
+      return hn::LoadU(DSite(), even_[kRows - 1] + (odd ? kSplitPitch : 0) + i);
+    }
+    const Halves halves = SplitBlock(last_, 2 * i);
+    return odd ? halves.odd : halves.even;
+  }
+
+  // The sites behind the last block that is split.
+  HWY_INLINE uint32_t EndOfLast() const { return last_.columns.end / 2; }
+
+ private:
+  const int16_t* even_[kRows];
+  RowToSplit last_;
+};
+
+// Greens of some sites, and twice their samples.
+struct Greens {
+  VSite green, twice_own;
+
+  HWY_INLINE VSite Difference() const { return hn::Sub(twice_own, green); }
+
+  // As of sites i to i + kSites - 1.
+  HWY_INLINE void Store(ptrdiff_t i, int16_t* words) const {
+    hn::StoreU(green, DSite(), words + i);
+    hn::StoreU(Difference(), DSite(), words + kSplitPitch + i);
+  }
+  HWY_INLINE void Store(ptrdiff_t i, uint8_t* bytes) const {
+    const hn::Rebind<uint8_t, DSite> d;
+    hn::StoreU(hn::DemoteTo(d, green), d, bytes + i);
+  }
+};
+
+// The greens of a row's sites, at its odd columns or the even ones: computed ...
+template <bool kOdd>
+class ComputedGreens {
+ public:
+  HWY_INLINE ComputedGreens(const GreenLines& lines, const BayerRow& row)
+      : rows_(lines.raw, lines.ahead), last_(row.width / 2 - 1), bilinear_(lines.bilinear) {}
+
+  // Samples of row y - 2 + i.
+  HWY_INLINE const int16_t* Raw(size_t i) const { return rows_.Even(i); }
+
+  // Of sites i to i + kSites - 1; at an edge, if they are not all inner ones.
+  HWY_INLINE Greens Block(ptrdiff_t i, bool edge) const {
+    const DSite d;
+    const auto load = [i](const int16_t* from) PRISMO_INLINE { return hn::LoadU(DSite(), from + i); };
+    const auto once = [&](const int16_t* from) PRISMO_INLINE { return LoadedOnce(load(from)); };
+    constexpr ptrdiff_t kSame = kOdd ? kSplitPitch : 0, kEast = kOdd ? 1 : kSplitPitch;
+    const int16_t* const row = rows_.Even(2);
+    const VSite souther = rows_.Last(i, kOdd, edge);
+    const VSite own = once(row + kSame);
+    const VSite twice = hn::Add(own, own);
+    const VSite north = once(rows_.Even(1) + kSame), south = once(rows_.Even(3) + kSame);
+    const VSite west = once(row + kEast - 1), east = once(row + kEast);
+    const VSite down = hn::Add(north, south), across = hn::Add(west, east);
+    const VSite vertical = hn::Sub(twice, hn::Add(load(rows_.Even(0) + kSame), souther));
+    const VSite horizontal = hn::Sub(twice, hn::Add(load(row + kSame - 1), load(row + kSame + 1)));
+    VSite g = ClampToByte(Smoother({north, south, vertical, hn::Add(hn::Add(down, down), vertical)},
+                                   {west, east, horizontal, hn::Add(hn::Add(across, across), horizontal)}));
+    if (edge) {
+      // The frame's second columns from the sides, and the outermost ones, along the side.
+      const auto first = static_cast<size_t>(i);
+      const auto cross = OutsideColumns(d, first, bilinear_ ? ColumnRange{0, 0} : ColumnRange{1, last_});
+      const auto side = OutsideColumns(d, first, kOdd ? ColumnRange{0, last_} : ColumnRange{1, last_ + 1});
+      g = hn::IfThenElse(cross, Mean(north, south, west, east), g);
+      g = hn::IfThenElse(side, Mean(north, south), g);
+    }
+    return {g, twice};
+  }
+
+  HWY_INLINE ColumnRange InnerSites() const {
+    return bilinear_ ? ColumnRange{0, 0} : ColumnRange{1, std::min(last_, rows_.EndOfLast())};
+  }
+
+ private:
+  RawRows<5> rows_;
+  uint32_t last_;
+  bool bilinear_;
+};
+
+// ... or as bytes, from memory.
+template <bool kOdd>
+class KeptGreens {
+ public:
+  HWY_INLINE KeptGreens(const GreenBytes& from, const BayerRow&)
+      : rows_(from.raw, from.split), bytes_(LoadedAlone(from.bytes)), next_(LoadedAlone(from.next)) {}
+
+  HWY_INLINE const int16_t* Raw(size_t i) const { return rows_.Even(i); }
+
+  HWY_INLINE Greens Block(ptrdiff_t i, bool edge) const {
+    const hn::Rebind<uint8_t, DSite> d_bytes;
+    hwy::Prefetch(bytes_ + i + next_);
+    const VSite own = rows_.Last(i, kOdd, edge);
+    return {hn::PromoteTo(DSite(), hn::LoadU(d_bytes, bytes_ + i)), hn::Add(own, own)};
+  }
+
+  HWY_INLINE ColumnRange InnerSites() const { return {0, rows_.EndOfLast()}; }
+
+ private:
+  RawRows<3> rows_;
+  const uint8_t* bytes_;
+  size_t next_;
+};
+
+template <bool kOdd>
+HWY_INLINE ComputedGreens<kOdd> GreensFrom(const GreenLines& from, const BayerRow& row) {
+  return {from, row};
+}
+template <bool kOdd>
+HWY_INLINE KeptGreens<kOdd> GreensFrom(const GreenBytes& from, const BayerRow& row) {
+  return {from, row};
+}
+
+template <class Source, typename T>
+HWY_INLINE void StoreGreens(const Source& source, const BayerRow& row, T* to) {
+  ptrdiff_t i = row.columns.begin / 2;
+  const ptrdiff_t end = (row.columns.end + 1) / 2;
+  const auto [inner_begin, inner_end] = source.InnerSites();
+  for (; i < end && i < inner_begin; i += kSites) source.Block(i, true).Store(i, to);
+  for (; i < end && i + kSites <= inner_end; i += kSites) source.Block(i, false).Store(i, to);
+  for (; i < end; i += kSites) source.Block(i, true).Store(i, to);
+}
+
+// Narrower vectors come with 16 registers, which are too few to make greens and pixels in one pass (measured:
+// 1.02 to 1.04 times the time of two).
+#undef PRISMO_GREENS_IN_STEP
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+#define PRISMO_GREENS_IN_STEP 1
+#else
+#define PRISMO_GREENS_IN_STEP 0
+#endif
+
+#if PRISMO_GREENS_IN_STEP
+// Greens that are made in step with the pixels of the row above, which need them at once: they take them from
+// here, as what has just been stored cannot be loaded from another place until every store under way has
+// reached memory.
+template <class Source>
+class GreensInStep {
+ public:
+  // For blocks from site `first` on. The greens of the row's other sites are made now.
+  HWY_INLINE GreensInStep(const Source& source, const BayerRow& row, int16_t* words, ptrdiff_t first,
+                          size_t blocks)
+      : source_(source), words_(words) {
+    const ptrdiff_t end = (row.columns.end + 1) / 2, behind = first + static_cast<ptrdiff_t>(blocks) * kSites;
+    const auto [inner_begin, inner_end] = source.InnerSites();
+    for (ptrdiff_t i = row.columns.begin / 2; i < end;) {
+      source.Block(i, i < inner_begin || i + kSites > inner_end).Store(i, words);
+      i += kSites;
+      if (i >= first && i < behind) i = behind;
+    }
+    if (blocks == 0) return;
+    green_[1] = hn::Set(DSite(), words[first - 1]);
+    difference_[1] = hn::Set(DSite(), words[kSplitPitch + first - 1]);
+  }
+
+  // The next block, of sites i to i + kSites - 1.
+  HWY_INLINE void Make(ptrdiff_t i) {
+    const Greens greens = source_.Block(i, false);
+    greens.Store(i, words_);
+    Follow(greens.green, green_);
+    Follow(greens.Difference(), difference_);
+  }
+
+  // Of the sites of the block, or of those one to the west.
+  HWY_INLINE VSite Green(bool west) const { return green_[!west]; }
+  HWY_INLINE VSite Difference(bool west) const { return difference_[!west]; }
+
+ private:
+  // The last lane of the block before, then those of this one but its last.
+  static HWY_INLINE void Follow(VSite block, VSite (&v)[2]) {
+    const VSite before{_mm512_alignr_epi64(block.raw, v[1].raw, 6)};
+    v[0] = hn::CombineShiftRightBytes<14>(DSite(), block, before);
+    v[1] = block;
+  }
+
+  const Source source_;
+  int16_t* const words_;
+  VSite green_[2], difference_[2];
+};
+#endif
+
+}  // namespace prismo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif
