@@ -4,6 +4,8 @@
 #include <array>
 #include <cstring>
 
+#include "simd/cache_line.h"
+
 namespace prismo {
 namespace {
 
@@ -164,13 +166,10 @@ uint32_t AcpiJob::StripBorder(uint32_t y, uint32_t column) const {
   if (column == region.columns.begin || column == region.columns.end) return column;
   const RowTarget target = images.Target(y);
   const size_t pixel_bytes = PixelBytes(images.layout);
-  const auto address =
-      reinterpret_cast<uintptr_t>(target.plane[0]) + pixel_bytes * (column - target.first_column);
-  for (uint32_t pixels = 0; pixels < kBlockColumns; ++pixels) {
-    if ((address + pixels * pixel_bytes) % kBlockColumns == 0)
-      return std::min(column + pixels, region.columns.end);
-  }
-  return column;
+  const size_t pixels =
+      simd::PixelsToLine(target.plane[0] + pixel_bytes * (column - target.first_column), pixel_bytes);
+  if (pixels == simd::kCacheLine) return column;
+  return std::min(column + static_cast<uint32_t>(pixels), region.columns.end);
 }
 
 void AcpiJob::Rows(RowRange range) const {

@@ -8,7 +8,7 @@
 namespace prismo {
 
 // Rows are converted in strips of up to this many columns, so that those under way fit the first-level cache.
-inline constexpr uint32_t kStripColumns = 2048;
+inline constexpr uint32_t kStripColumns = 2176;
 inline constexpr uint32_t kBlockColumns = 64;  // of the widest vectors
 
 constexpr uint32_t DownToBlock(uint32_t column) { return column & ~(kBlockColumns - 1); }

@@ -28,6 +28,8 @@ struct GreySink {
   HWY_INLINE void Store(size_t x, V8 b, V8, V8) const {
     Put<kStores>(b, D8(), dst + x);
   }
+  HWY_INLINE size_t PixelsToLine(size_t x) const { return HWY_NAMESPACE::PixelsToLine(dst + x, 1); }
+  HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(dst + x, 1); }
 };
 
 template <class Sink>
@@ -61,29 +63,16 @@ struct Scratch<PlanarSink, kPixels> {
 
 // Streaming stores fill whole cache lines, and a line that has seen one is not touched again: what comes
 // before the first and after the last whole line of a run is stored plainly.
-constexpr size_t kLineBytes = 64;
 constexpr size_t kStreamPixels = 64;  // of any size they fill whole lines
 
 // The processor's own prefetch falls behind beside streaming stores.
 constexpr size_t kPrefetchBytes = 4096;
 
-bool IsLine(const uint8_t* to) { return reinterpret_cast<uintptr_t>(to) % kLineBytes == 0; }
-
-template <class Sink>
-bool StartsLine(const Sink& sink) {
-  return IsLine(sink.dst);
-}
-bool StartsLine(const PlanarSink& sink) {
-  return IsLine(sink.plane[0]) && IsLine(sink.plane[1]) && IsLine(sink.plane[2]);
-}
-
 // Pixels, in whole groups, before a line starts; `pixels` when none does.
 template <class Source, class Sink>
 size_t PixelsToLine(const Sink& sink, size_t pixels) {
-  for (size_t x = 0; x < std::min(pixels, kLineBytes); x += Source::kGroup.pixels) {
-    if (StartsLine(At(sink, x))) return x;
-  }
-  return pixels;
+  const size_t x = sink.PixelsToLine(0);
+  return x < kCacheLine && x % Source::kGroup.pixels == 0 ? std::min(x, pixels) : pixels;
 }
 
 // One block of pixels from a source to a sink.
@@ -147,10 +136,12 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
     plain(0, pixels);
   } else {
     size_t x = PixelsToLine<Source>(sink, pixels);
+    const size_t rest = (pixels - x) % kStreamPixels;
+    for (size_t i = pixels - rest; i < pixels; i += kCacheLine / Sink::kPixelBytes) sink.PrepareStore(i);
     plain(0, x);
     for (; x + kStreamPixels <= pixels; x += kStreamPixels) {
       const uint8_t* const ahead = src + Source::kGroup.Bytes(x) + kPrefetchBytes;
-      for (size_t i = 0; i < Source::kGroup.Bytes(kStreamPixels); i += kLineBytes) hwy::Prefetch(ahead + i);
+      for (size_t i = 0; i < Source::kGroup.Bytes(kStreamPixels); i += kCacheLine) hwy::Prefetch(ahead + i);
       for (size_t i = 0; i < kStreamPixels; i += Source::kBlockPixels) {
         ThisBlock::template Convert<kStores>(source, src + Source::kGroup.Bytes(x + i), At(sink, x + i));
       }
@@ -174,11 +165,11 @@ void Copy(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t) {
   const size_t bytes = kPixelBytes * pixels;
   size_t done = 0;
   if (kStreamsCopies && kStores == StoreKind::kStreaming && bytes < kLongCopyBytes) {
-    done = std::min(bytes, (kLineBytes - reinterpret_cast<uintptr_t>(dst) % kLineBytes) % kLineBytes);
+    done = std::min(bytes, (kCacheLine - reinterpret_cast<uintptr_t>(dst) % kCacheLine) % kCacheLine);
     std::memcpy(dst, src, done);
-    for (; done + kLineBytes <= bytes; done += kLineBytes) {
+    for (; done + kCacheLine <= bytes; done += kCacheLine) {
       hwy::Prefetch(src + done + kPrefetchBytes);
-      for (size_t i = done; i < done + kLineBytes; i += kLanes) {
+      for (size_t i = done; i < done + kCacheLine; i += kLanes) {
         Put<kStores>(hn::LoadU(D8(), src + i), D8(), dst + i);
       }
     }

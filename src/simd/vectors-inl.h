@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "hwy/highway.h"
+#include "simd/cache_line.h"
 #include "simd/targets.h"
 
 // For lambdas in inner loops: without it GCC calls them and passes vectors through memory.
@@ -106,15 +107,11 @@ HWY_INLINE void Put(V v, D d, T* to) {
   }
 }
 
-inline constexpr size_t kCacheLine = 64;
+using simd::kCacheLine;
 
-// Pixels of `pixel_bytes` to go until a cache line starts, from where on streaming stores fill whole ones;
-// kCacheLine when that never happens. Without vectors nothing is streamed.
+// As simd::PixelsToLine; without vectors nothing is streamed.
 HWY_INLINE size_t PixelsToLine(const uint8_t* to, size_t pixel_bytes) {
-  if (kLanes == 1) return 0;
-  const size_t bytes = -reinterpret_cast<uintptr_t>(to) % kCacheLine;
-  if (pixel_bytes == 3) return bytes * 43 % kCacheLine;  // 3 x 43 is 1 modulo 64
-  return bytes % pixel_bytes == 0 ? bytes / pixel_bytes : kCacheLine;
+  return kLanes == 1 ? 0 : simd::PixelsToLine(to, pixel_bytes);
 }
 
 }  // namespace prismo::HWY_NAMESPACE
