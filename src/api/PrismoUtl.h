@@ -638,9 +638,6 @@ PRISMO_API uint32_t ConvByrRGNToBGRA(void* dst, const void* src, uint32_t width,
  * Adaptive colour plane interpolation (J. F. Hamilton and J. E. Adams, 1997): green along the direction of
  * the smaller gradient, red and blue as differences to green. The two outermost rows and columns are
  * bilinear. Sizes as for the bilinear demosaic.
- *
- * On the pool it needs half a byte of memory for each pixel, which is kept for the next frame;
- * UTL_STS_FAILURE without.
  */
 PRISMO_API uint32_t ByrBG8ToBGRA_SP_ACPI(void* dst, const void* src, uint32_t width,
                                          uint32_t height) PRISMO_NOEXCEPT;
@@ -713,8 +710,7 @@ PRISMO_API uint32_t ConvByrRG8ToBGRPad_ACPI(void* dst, const void* src, uint32_t
  * 0 gives 0.
  *
  * UTL_STS_INVALID_PARAMETER: a null pointer; an odd size of frame or rectangle; a rectangle that is nearer
- * than two pixels to an edge of the frame, or that does not fit into the destination. UTL_STS_FAILURE: no
- * memory for the greens that the pool needs.
+ * than two pixels to an edge of the frame, or that does not fit into the destination.
  *
  * The phase routines take the phase of the rectangle's own top-left pixel; the Conv*Rect* converters take the
  * phase of the frame and a thread choice (multiThread non-zero: the pool).

@@ -106,16 +106,11 @@ Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize si
                             .param = 0,
                             .block_rows = 0,
                             .type = 2};
-  const ColumnRange columns{0, width};
-  return WithGreenPlane({columns, 1, height - 2}, [&](const GreenPlane& greens) {
+  const RowRange middle{kBorder, static_cast<int32_t>(height - 2 * kBorder)};
+  return WithGreenRows(kBorder, height, [&](const GreenRows& greens) {
     AcpiJob job = MakeJob(form, dst, src, size);
     job.greens = greens;
-    const GreenJob green{job.images, columns, greens};
-    const RowRange middle{kBorder, static_cast<int32_t>(height - 2 * kBorder)};
-    if (middle.count > 0) {
-      green.ComputeRows({middle.first - 1, 1});
-      green.ComputeRows({middle.first + middle.count, 1});
-    }
+    const GreenJob green{job.images, {0, width}, greens};
     Status status = mp::RunOnPool(geometry, green, GreenWorkerName(form));
     if (status == Status::kSuccess) {
       mp::LogStep(EntryName(form), mp::LogKind::kStep2);

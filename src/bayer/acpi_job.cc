@@ -10,24 +10,23 @@ namespace prismo {
 namespace {
 
 // Rows of words that are used in turn: those of the present row and of a few above, or below, it.
-template <uint32_t kMostRows>
+template <uint32_t kRows>
 class Slots {
  public:
-  // `rows` is how many there are at a time.
-  Slots(uint32_t rows, uint32_t first_column) : rows_(rows) {
-    for (uint32_t i = 0; i < rows; ++i) {
+  explicit Slots(uint32_t first_column) {
+    for (uint32_t i = 0; i < kRows; ++i) {
       // Each slot stands in the table twice, so that neighbours need no wrapping.
-      slots_[i] = slots_[i + rows] =
+      slots_[i] = slots_[i + kRows] =
           words_[i].at + kSplitMargin - static_cast<std::ptrdiff_t>(first_column / 2);
     }
   }
 
   void Next() {
-    if (++present_ == rows_) present_ = 0;
+    if (++present_ == kRows) present_ = 0;
   }
 
   int16_t* At(int32_t dy) const {
-    return slots_[static_cast<uint32_t>(static_cast<int32_t>(present_ + (dy < 0 ? rows_ : 0)) + dy)];
+    return slots_[static_cast<uint32_t>(static_cast<int32_t>(present_ + (dy < 0 ? kRows : 0)) + dy)];
   }
 
  private:
@@ -35,74 +34,58 @@ class Slots {
     int16_t at[2 * kSplitPitch];
   };
 
-  const uint32_t rows_;
   uint32_t present_ = 0;
-  std::array<int16_t*, 2 * kMostRows> slots_;
-  std::array<Words, kMostRows> words_;
+  std::array<int16_t*, 2 * kRows> slots_;
+  std::array<Words, kRows> words_;
 };
 
-// The rows under way of a strip of columns, from top to bottom: split samples of five, or three where greens
-// need not be computed, and greens of three.
+// The rows under way of a strip of columns, from top to bottom: split samples of five, greens of three.
 class Ring {
  public:
   // For colours of the columns given. The first row whose greens come next is none of the frame's outermost.
-  // Greens that are in the plane, if there is one, come from there.
-  Ring(const AcpiImages& images, const GreenPlane& plane, ColumnRange columns, uint32_t first_row)
+  Ring(const AcpiImages& images, ColumnRange columns, uint32_t first_row)
       : images_(images),
-        plane_(plane),
         kernels_(CurrentAcpiKernels()),
         columns_{(columns.begin - std::min(columns.begin, 3u)) & ~1u,
                  std::min((columns.end + 4) & ~1u, images.frame.width)},
         green_columns_{columns.begin - std::min(columns.begin, 1u),
                        std::min(columns.end + 1, images.frame.width)},
         row_(first_row - 1),
-        samples_(plane ? 3 : 5, GreenPlane::FirstColumn(columns)),
-        greens_(3, GreenPlane::FirstColumn(columns)) {
-    if (plane_) return;
+        samples_(FirstWord(columns)),
+        greens_(FirstWord(columns)) {
     for (int32_t dy = first_row == 1 ? 0 : -1; dy <= 2; ++dy) kernels_.split(ToSplit(dy));
   }
 
-  // The next row: use(kernels, from, row, words) makes its greens.
+  // The next row, whose greens use(kernels, lines, row) makes, to Greens(0).
   template <class Use>
   void Next(const Use& use) {
-    NextRow();
-    const BayerRow row = Row(row_, green_columns_);
-    if (plane_) {
-      const GreenBytes kept{
-          {Samples(-2), Samples(-1), Samples(0)}, ToSplit(0), plane_.Row(row_), plane_.Pitch()};
-      use(kernels_.kept, kept, row, greens_.At(0));
-    } else {
-      use(kernels_.computed, Lines(), row, greens_.At(0));
-    }
+    ++row_;
+    samples_.Next();
+    greens_.Next();
+    use(kernels_, Lines(), Row(row_, green_columns_));
   }
 
   void NextGreens() {
-    Next([](const auto& kernels, const auto& from, const BayerRow& row, int16_t* words) {
-      kernels.green(from, row, words);
+    Next([this](const AcpiKernels& kernels, const GreenLines& lines, const BayerRow& row) {
+      kernels.green(lines, row, Greens(0));
     });
   }
 
-  // The same to the plane. For a ring that has none itself.
-  void NextGreensTo(const GreenPlane& plane) {
-    NextRow();
-    kernels_.green_bytes(Lines(), Row(row_, green_columns_), plane.Row(row_));
-  }
-
   // Of the row whose greens came last, or of one up to two rows above or below.
-  SplitRow Samples(int32_t dy) const { return {samples_.At(dy)}; }
+  const int16_t* Samples(int32_t dy) const { return samples_.At(dy); }
 
   // Of the row whose greens came last, or of one up to two rows above.
-  SiteGreens Greens(int32_t dy) const { return {greens_.At(dy)}; }
+  int16_t* Greens(int32_t dy) const { return greens_.At(dy); }
 
   BayerRow Row(uint32_t y, ColumnRange columns) const {
     return {images_.frame.width, columns, RoleOf(images_.phase, y), true};
   }
 
  private:
-  void NextRow() {
-    ++row_;
-    samples_.Next();
-    greens_.Next();
+  // Of the columns' first words: in front of them there is room for the neighbours on the left, and words are
+  // aligned as the columns are.
+  static uint32_t FirstWord(ColumnRange columns) {
+    return columns.begin < kBlockColumns ? 0 : (columns.begin - (kBlockColumns - 1)) & ~1u;
   }
 
   // What the present row's greens are computed from. The frame's second and second last row have but one row
@@ -122,7 +105,6 @@ class Ring {
   }
 
   const AcpiImages& images_;
-  const GreenPlane plane_;
   const AcpiKernels& kernels_;
   const ColumnRange columns_;        // of samples
   const ColumnRange green_columns_;  // of greens for colours
@@ -153,7 +135,7 @@ void ForEachTile(ColumnRange columns, RowRange rows, const Use& use) {
 }
 
 // How many of the rows, from the first on, the submitter has not given up.
-int32_t Taken(const GreenPlane& greens, RowRange rows) {
+int32_t Taken(const GreenRows& greens, RowRange rows) {
   int32_t count = 0;
   while (count < rows.count && greens.Take(static_cast<uint32_t>(rows.first + count))) ++count;
   return count;
@@ -181,17 +163,17 @@ void AcpiJob::Rows(RowRange range) const {
     const uint32_t end = images.dst_pitch % kBlockColumns == 0
                              ? StripBorder(first_row, strip.end)
                              : std::min(strip.end + kBlockColumns, region.columns.end);
-    Ring ring(images, greens, {strip.begin, end}, first_row - 1);
+    Ring ring(images, {strip.begin, end}, first_row - 1);
     ring.NextGreens();
     ring.NextGreens();
     for (uint32_t y = first_row; y < end_row; ++y) {
       const bool adaptive = y >= region.adaptive_first_row && y <= region.adaptive_last_row;
-      ring.Next([&](const auto& kernels, const auto& greens_from, const BayerRow& below, int16_t* words) {
+      ring.Next([&](const AcpiKernels& kernels, const GreenLines& below_lines, const BayerRow& below) {
         const ColourLines lines{{ring.Greens(-2), ring.Greens(-1), ring.Greens(0)},
                                 adaptive ? region.adaptive_columns : ColumnRange{0, 0}};
         const BayerRow row = ring.Row(y, {StripBorder(y, strip.begin), StripBorder(y, strip.end)});
         const auto& convert = images.layout == Layout::kBgra ? kernels.bgra : kernels.bgr;
-        convert[static_cast<size_t>(stores)](lines, greens_from, below, words, row, images.Target(y));
+        convert[static_cast<size_t>(stores)](lines, below_lines, below, row, images.Target(y));
       });
     }
   });
@@ -204,38 +186,33 @@ void AcpiJob::Rows(RowRange range) const {
   simd::FinishStores(stores);
 }
 
-void GreenJob::ComputeRows(RowRange range) const {
-  ForEachTile(columns, range, [&](ColumnRange strip, RowRange rows) {
-    Ring ring(images, {}, strip, static_cast<uint32_t>(rows.first));
-    for (int32_t i = 0; i < rows.count; ++i) ring.NextGreensTo(greens);
-  });
-}
-
 void GreenJob::Rows(RowRange range) const {
-  ComputeRows(range);
-  for (int32_t i = 0; i < range.count; ++i) {
-    const auto y = static_cast<uint32_t>(range.first + i);
-    if (greens.Complete(y)) Put(y);
-  }
+  ForEachRun(
+      range, [this](uint32_t y) { return greens.Reach(y); }, [this](RowRange rows) { Put(rows); });
 }
 
-void GreenJob::Put(uint32_t y) const {
-  const RowTarget target = images.Target(y);
+void GreenJob::Put(RowRange rows) const {
   const size_t pixel_bytes = PixelBytes(images.layout);
-  const uint8_t* const samples = images.Line(y);
-  const uint8_t* const sites = greens.Row(y);
-  const auto green = [&](uint32_t x) -> uint8_t& {
-    return target.plane[0][pixel_bytes * (x - target.first_column) + 1];
-  };
-  const uint32_t first_green = RoleOf(images.phase, y).green_first == (columns.begin % 2 == 0) ? 0 : 1;
-  for (uint32_t x = columns.begin + first_green; x < columns.end; x += 2) green(x) = samples[x];
-  for (uint32_t x = columns.begin + 1 - first_green; x < columns.end; x += 2) green(x) = sites[x / 2];
+  ForEachTile(columns, rows, [&](ColumnRange strip, RowRange tile) {
+    const auto first_row = static_cast<uint32_t>(tile.first);
+    Ring ring(images, strip, first_row);
+    for (uint32_t y = first_row; y < first_row + static_cast<uint32_t>(tile.count); ++y) {
+      ring.NextGreens();
+      const RowTarget target = images.Target(y);
+      const int16_t* const sites = ring.Greens(0);
+      const uint32_t first_site = RoleOf(images.phase, y).green_first ? 1 : 0;
+      for (uint32_t x = strip.begin; x < strip.end; ++x) {
+        target.plane[0][pixel_bytes * (x - target.first_column) + 1] =
+            x % 2 == first_site ? static_cast<uint8_t>(sites[x / 2]) : images.Line(y)[x];
+      }
+    }
+  });
   if (columns.begin > 0) return;  // a rectangle
   BilinearJob border =
       MakeBilinearJob({images.phase, BayerDepth::k8, images.layout}, images.dst, images.src, images.frame, 0);
   for (const uint32_t x : {0u, images.frame.width - 2}) {
     border.columns = {x, x + 2};
-    border.Rows({static_cast<int32_t>(y), 1});
+    border.Rows(rows);
   }
 }
 

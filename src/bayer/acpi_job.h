@@ -3,15 +3,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "bayer/acpi.h"
 #include "bayer/acpi_rows.h"
 #include "bayer/bilinear_job.h"
-#include "bayer/green_plane.h"
+#include "bayer/green_rows.h"
 #include "core/rows.h"
 #include "core/status.h"
 #include "mp/engine.h"
-#include "platform/kept_pages.h"
 
 namespace prismo {
 
@@ -45,7 +45,7 @@ struct AcpiJob {
   AcpiRegion region;
   uint32_t pad_bytes;  // zero bytes behind each row
   simd::StoreKind stores;
-  GreenPlane greens{};  // of a first work; none: they are computed, too
+  GreenRows greens{};  // for the second work on the pool
 
   void Rows(RowRange range) const;
 
@@ -53,47 +53,56 @@ struct AcpiJob {
   uint32_t StripBorder(uint32_t y, uint32_t column) const;
 };
 
-// The first work on the pool: greens, and the frame's two outermost columns on each side completely. They
-// wait in the plane until the second work writes whole pixels; the picture gets them from here only if that
-// does not happen.
+// The first work on the pool, for greens and the frame's two outermost columns on each side: see GreenRows.
 struct GreenJob {
   AcpiImages images;
   ColumnRange columns;
-  GreenPlane greens;
+  GreenRows greens;
 
   void Rows(RowRange range) const;
 
-  // Greens of rows that are in no work.
-  void ComputeRows(RowRange range) const;
-
-  // After either work has failed. Rows that are under way are their workers' to end; for each of the others
-  // whose greens are there, also(y) follows them.
+  // After either work has failed. Rows that are under way are their workers' to end; the others that the
+  // first work has reached get their greens, and then also(rows) whatever else they are due.
   template <class Also>
   void GiveUp(RowRange range, const Also& also) const {
-    for (int32_t i = 0; i < range.count; ++i) {
-      const auto y = static_cast<uint32_t>(range.first + i);
-      if (!greens.GiveUp(y)) continue;
-      Put(y);
-      also(y);
-    }
+    ForEachRun(
+        range, [this](uint32_t y) { return greens.GiveUp(y); },
+        [&](RowRange rows) {
+          Put(rows);
+          also(rows);
+        });
   }
   void GiveUp(RowRange range) const {
-    GiveUp(range, [](uint32_t) {});
+    GiveUp(range, [](RowRange) {});
   }
 
  private:
-  void Put(uint32_t y) const;
+  // Calls use(rows) for each run of rows y in `range` of which is(y) is true.
+  template <class Is, class Use>
+  static void ForEachRun(RowRange range, const Is& is, const Use& use) {
+    RowRange run{range.first, 0};
+    for (int32_t y = range.first; y < range.first + range.count; ++y) {
+      if (is(static_cast<uint32_t>(y))) {
+        if (run.count++ == 0) run.first = y;
+      } else if (run.count > 0) {
+        use(run);
+        run.count = 0;
+      }
+    }
+    if (run.count > 0) use(run);
+  }
+
+  // Greens, and the frame's outermost columns, into the picture.
+  void Put(RowRange rows) const;
 };
 
-// Runs both(plane): the two works, which share in the plane's memory. kFailure when there is none.
+// Runs both(greens): the two works, of rows from the first one on. kFailure when there is no memory.
 template <class Both>
-Status WithGreenPlane(GreenPlane plane, const Both& both) noexcept {
+Status WithGreenRows(uint32_t first_row, uint32_t rows, const Both& both) noexcept {
   return NoThrow(Status::kFailure, [&] {
-    const std::shared_ptr<void> memory = platform::TakePages(platform::KeptFor::kGreens, plane.Bytes());
-    if (!memory) return Status::kFailure;
-    plane.Use(memory.get());
-    const mp::SharedWithWorks shared(memory);
-    return both(plane);
+    const auto states = std::make_shared<uint8_t[]>(rows);
+    const mp::SharedWithWorks shared(states);
+    return both(GreenRows(first_row, states.get()));
   });
 }
 

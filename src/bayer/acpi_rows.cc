@@ -19,12 +19,11 @@ void Split(const RowToSplit& row) {
   SplitEnds(row);
 }
 
-template <class From, typename T>
-void Green(const From& from, const BayerRow& row, T* to) {
+void Green(const GreenLines& lines, const BayerRow& row, int16_t* words) {
   if (row.role.green_first) {
-    StoreGreens(GreensFrom<true>(from, row), row, to);
+    StoreGreens(GreenSource<true>(lines, row), row, words);
   } else {
-    StoreGreens(GreensFrom<false>(from, row), row, to);
+    StoreGreens(GreenSource<false>(lines, row), row, words);
   }
 }
 
@@ -105,9 +104,9 @@ struct ColourRows {
   const int16_t* greens[3];
 
   HWY_INLINE ColourRows(const int16_t* above, const int16_t* own, const int16_t* below,
-                        const SiteGreens (&sites)[3])
+                        int16_t* const (&sites)[3])
       : even{above, own, below},
-        greens{LoadedAlone(sites[0].green), LoadedAlone(sites[1].green), LoadedAlone(sites[2].green)} {}
+        greens{LoadedAlone(sites[0]), LoadedAlone(sites[1]), LoadedAlone(sites[2])} {}
 };
 
 // The same for a block.
@@ -195,14 +194,13 @@ HWY_INLINE void ColourBlock(const ColourWords& at, const auto& below, size_t x, 
 }
 
 // Blocks at the sides of a row.
-template <class From>
 struct BorderBlocks {
   const ColourLines& lines;
-  const From& from;
+  const GreenLines& below_lines;
   const BayerRow& row;
 
   HWY_INLINE void operator()(size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) const {
-    const ColourRows rows(from.raw[0].even, from.raw[1].even, from.raw[2].even, lines.greens);
+    const ColourRows rows(below_lines.raw[0], below_lines.raw[1], below_lines.raw[2], lines.greens);
     const ColourWords at(rows, x, x % 2 != 0, 0);
     ColourBlock<true>(at, StoredBelow{at}, x, row.width, lines.adaptive, starts_green, row_colour, green,
                       other_colour);
@@ -211,16 +209,16 @@ struct BorderBlocks {
 
 #if PRISMO_GREENS_IN_STEP
 // Inner blocks from an even column on, with the greens of the row below them.
-template <class Source, bool kStartsGreen>
+template <bool kStartsGreen>
 struct BlocksInStep {
-  GreensInStep<Source> greens;
+  GreensInStep<GreenSource<!kStartsGreen>> greens;
   ColourRows rows;
   ptrdiff_t first;  // site
 
   HWY_INLINE void operator()(size_t block, V8& row_colour, V8& green, V8& other_colour) {
     const ptrdiff_t i = LoadedAlone(first + static_cast<ptrdiff_t>(block) * kSites);
     greens.Make(i + kStartsGreen);
-    const MadeBelow<GreensInStep<Source>> below{greens, FirstSite(kStartsGreen)};
+    const MadeBelow<decltype(greens)> below{greens, FirstSite(kStartsGreen)};
     const ColourWords at(rows, static_cast<size_t>(2 * i), false, 0);
     ColourBlock<false>(at, below, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
                        other_colour);
@@ -229,8 +227,8 @@ struct BlocksInStep {
 
 // Greens of the row below and pixels in one pass: streaming stores, which the memory takes slowly, then have
 // the time of both. With plain stores all rows under way and the pixels would overflow the first-level cache.
-template <size_t kBytes, class From>
-void ColourInStep(const ColourLines& lines, const From& from, const BayerRow& below, int16_t* words,
+template <size_t kBytes>
+void ColourInStep(const ColourLines& lines, const GreenLines& below_lines, const BayerRow& below,
                   const BayerRow& row, const PackedSink<kBytes, kPackedOrder>& sink) {
   // The sites of the last inner block's greens are inner ones, too.
   const ColumnRange inner{lines.adaptive.begin, lines.adaptive.end - 2};
@@ -238,36 +236,35 @@ void ColourInStep(const ColourLines& lines, const From& from, const BayerRow& be
       row, inner, sink,
       [&](size_t x, size_t blocks, auto starts_green) PRISMO_INLINE {
         constexpr bool kStartsGreen = decltype(starts_green)::value;
-        auto source = GreensFrom<!kStartsGreen>(from, below);
+        const GreenSource<!kStartsGreen> source(below_lines, below);
         const auto first = static_cast<ptrdiff_t>(x / 2);
-        return BlocksInStep<decltype(source), kStartsGreen>{
-            {source, below, words, first + kStartsGreen, blocks},
-            {source.Raw(0), source.Raw(1), source.Raw(2), lines.greens},
-            first};
+        return BlocksInStep<kStartsGreen>{{source, below, lines.greens[2], first + kStartsGreen, blocks},
+                                          {source.Even(0), source.Even(1), source.Even(2), lines.greens},
+                                          first};
       },
-      BorderBlocks<From>{lines, from, row});
+      BorderBlocks{lines, below_lines, row});
 }
 #endif
 
-template <size_t kBytes, StoreKind kStores, class From>
-void Colour(const ColourLines& lines, const From& from, const BayerRow& below, int16_t* words,
+template <size_t kBytes, StoreKind kStores>
+void Colour(const ColourLines& lines, const GreenLines& below_lines, const BayerRow& below,
             const BayerRow& row, const RowTarget& target) {
   const PackedSink<kBytes, kPackedOrder> sink{target.plane[0], target.first_column};
   if constexpr (kStores == StoreKind::kStreaming) {
     const size_t to_line = sink.PixelsToLine(row.columns.begin);
     if (to_line == kCacheLine) {
-      return Colour<kBytes, StoreKind::kCached>(lines, from, below, words, row, target);
+      return Colour<kBytes, StoreKind::kCached>(lines, below_lines, below, row, target);
     }
 #if PRISMO_GREENS_IN_STEP
     const bool even = std::min<size_t>(row.columns.begin + to_line, row.columns.end) % 2 == 0;
-    if (even && !from.bilinear && lines.adaptive.begin < lines.adaptive.end) {
-      return ColourInStep(lines, from, below, words, row, sink);
+    if (even && !below_lines.bilinear && lines.adaptive.begin < lines.adaptive.end) {
+      return ColourInStep(lines, below_lines, below, row, sink);
     }
 #endif
   }
-  Green(from, below, words);
-  const ColourRows rows(LoadedAlone(from.raw[0].even), LoadedAlone(from.raw[1].even),
-                        LoadedAlone(from.raw[2].even), lines.greens);
+  Green(below_lines, below, lines.greens[2]);
+  const ColourRows rows(LoadedAlone(below_lines.raw[0]), LoadedAlone(below_lines.raw[1]),
+                        LoadedAlone(below_lines.raw[2]), lines.greens);
   CoverColumns<kStores>(
       row, lines.adaptive, sink,
       [=, green_first = row.role.green_first](size_t first, size_t, auto starts_green) PRISMO_INLINE {
@@ -280,20 +277,13 @@ void Colour(const ColourLines& lines, const From& from, const BayerRow& below, i
           ColourBlock<false>(at, StoredBelow{at}, 0, 0, {}, starts_green, row_colour, green, other_colour);
         };
       },
-      BorderBlocks<From>{lines, from, row});
-}
-
-template <class From>
-constexpr AcpiRows<From> RowsFrom() {
-  return {.green = &Green<From, int16_t>,
-          .bgra = {&Colour<4, StoreKind::kCached, From>, &Colour<4, StoreKind::kStreaming, From>},
-          .bgr = {&Colour<3, StoreKind::kCached, From>, &Colour<3, StoreKind::kStreaming, From>}};
+      BorderBlocks{lines, below_lines, row});
 }
 
 constexpr AcpiKernels kKernels = {.split = &Split,
-                                  .green_bytes = &Green<GreenLines, uint8_t>,
-                                  .computed = RowsFrom<GreenLines>(),
-                                  .kept = RowsFrom<GreenBytes>()};
+                                  .green = &Green,
+                                  .bgra = {&Colour<4, StoreKind::kCached>, &Colour<4, StoreKind::kStreaming>},
+                                  .bgr = {&Colour<3, StoreKind::kCached>, &Colour<3, StoreKind::kStreaming>}};
 
 }  // namespace
 

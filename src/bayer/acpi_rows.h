@@ -20,21 +20,10 @@ inline constexpr uint32_t kSplitMargin = 64;
 // Rows of words come in pairs, the second one this many words behind the first: one pointer leads to both.
 inline constexpr uint32_t kSplitPitch = (kStripColumns + 3 * kBlockColumns) / 2 + 2 * kSplitMargin;
 
-// Samples of a row as 16-bit words, those of the even and those of the odd columns side by side: column x is
-// [x / 2] of its row of words. A vector then holds sites of one kind, and their neighbours are vectors, too.
-struct SplitRow {
-  const int16_t* even;
-
-  const int16_t* odd() const { return even + kSplitPitch; }
-};
-
-// What colours are interpolated from, for the red and blue sites of a row: site x is [x / 2].
-struct SiteGreens {
-  const int16_t* green;
-
-  // Twice the sample less the green.
-  const int16_t* difference() const { return green + kSplitPitch; }
-};
+// Samples of a row as 16-bit words, those of the even columns and, kSplitPitch words further, those of the
+// odd ones: column x is [x / 2] of its words. A vector then holds sites of one kind, and their neighbours are
+// vectors, too. Greens of a row's sites are kept alike, those of site x at [x / 2] and, kSplitPitch words
+// further, twice the sample less the green: what colours are interpolated from.
 
 // A row of a frame that is to be split: an even range of columns, of at least one pair. What lies `next_row`
 // bytes further is read ahead.
@@ -42,54 +31,37 @@ struct RowToSplit {
   const uint8_t* line;  // from column 0
   ColumnRange columns;
   size_t next_row;
-  int16_t* words;  // a SplitRow
+  int16_t* words;
 };
 
 using SplitColumns = void (*)(const RowToSplit& row);
 
+// What the greens of row y are computed from.
 struct GreenLines {
-  SplitRow raw[5];  // rows y - 2 to y + 2
-  bool bilinear;  // the whole row, for the frame's second and second last; rows y - 2 and y + 2 do not count
-  RowToSplit ahead;  // row y + 2; no columns where it is split already
+  const int16_t* raw[5];  // samples of rows y - 2 to y + 2
+  bool bilinear;          // the frame's second or second last row: rows y - 2 and y + 2 do not count
+  RowToSplit ahead;       // row y + 2; without columns where it is split already
 };
 
-// Greens that were made before, as bytes: site x is [x / 2].
-struct GreenBytes {
-  static constexpr bool bilinear = false;  // their bytes are right as they are
-  SplitRow raw[3];                         // rows y - 2 to y
-  RowToSplit split;                        // row y
-  const uint8_t* bytes;
-  size_t next;  // what lies so many bytes further is read ahead
-};
-
-// Greens of the row's sites from an even column on, with their differences or, as bytes, alone: site x is
-// [x / 2]. In the frame's two outermost columns on each side they are bilinear. What lies behind the row's
-// columns is written, too: up to kSplitMargin sites.
-template <class From, typename T>
-using GreenRow = void (*)(const From& from, const BayerRow& row, T* to);
+// Greens of the row's sites. In the frame's two outermost columns on each side they are bilinear. What lies
+// behind the row's columns is written, too: up to kSplitMargin sites.
+using GreenRow = void (*)(const GreenLines& lines, const BayerRow& row, int16_t* words);
 
 struct ColourLines {
-  SiteGreens greens[3];  // rows y - 1 to y + 1
+  int16_t* greens[3];    // of rows y - 1 to y + 1
   ColumnRange adaptive;  // red and blue are bilinear in the other columns
 };
 
-// Also makes the greens of the row below.
-template <class From>
-using ColourRow = void (*)(const ColourLines& lines, const From& from, const BayerRow& below, int16_t* words,
+// Colours of row y, whose samples are among those that `below_lines` has for row y + 1. The greens of row
+// y + 1 come first, or on the way.
+using ColourRow = void (*)(const ColourLines& lines, const GreenLines& below_lines, const BayerRow& below,
                            const BayerRow& row, const RowTarget& target);
-
-template <class From>
-struct AcpiRows {
-  GreenRow<From, int16_t> green;
-  ColourRow<From> bgra[2];  // [plain stores, streaming stores]
-  ColourRow<From> bgr[2];
-};
 
 struct AcpiKernels {
   SplitColumns split;
-  GreenRow<GreenLines, uint8_t> green_bytes;
-  AcpiRows<GreenLines> computed;
-  AcpiRows<GreenBytes> kept;
+  GreenRow green;
+  ColourRow bgra[2];  // [plain stores, streaming stores]
+  ColourRow bgr[2];
 };
 
 const AcpiKernels& CurrentAcpiKernels();

@@ -86,39 +86,6 @@ inline void SplitEnds(const RowToSplit& row) {
   }
 }
 
-// Rows of words, the last of which is split when its blocks are asked for: in passing, as beside the stores
-// of pixels that are under way its own would fill the queue.
-template <size_t kRows>
-class RawRows {
- public:
-  HWY_INLINE RawRows(const SplitRow (&rows)[kRows], const RowToSplit& last) : last_(last) {
-    for (size_t i = 0; i < kRows; ++i) even_[i] = LoadedAlone(rows[i].even);
-    last_.line = LoadedAlone(last.line);
-    last_.next_row = LoadedAlone(last.next_row);
-    SplitEnds(last_);
-  }
-
-  HWY_INLINE const int16_t* Even(size_t row) const { return even_[row]; }
-
-  // Sites i to i + kSites - 1 of the last row, at its odd columns or the even ones. At an edge some of them
-  // lie where nothing is to be split.
-  HWY_INLINE VSite Last(ptrdiff_t i, bool odd, bool edge) const {
-    const ptrdiff_t begin = last_.columns.begin, end = last_.columns.end;
-    if (edge && (2 * i < begin || 2 * i + kSplitColumns > end)) {
-      return hn::LoadU(DSite(), even_[kRows - 1] + (odd ? kSplitPitch : 0) + i);
-    }
-    const Halves halves = SplitBlock(last_, 2 * i);
-    return odd ? halves.odd : halves.even;
-  }
-
-  // The sites behind the last block that is split.
-  HWY_INLINE uint32_t EndOfLast() const { return last_.columns.end / 2; }
-
- private:
-  const int16_t* even_[kRows];
-  RowToSplit last_;
-};
-
 // Greens of some sites, and twice their samples.
 struct Greens {
   VSite green, twice_own;
@@ -130,21 +97,22 @@ struct Greens {
     hn::StoreU(green, DSite(), words + i);
     hn::StoreU(Difference(), DSite(), words + kSplitPitch + i);
   }
-  HWY_INLINE void Store(ptrdiff_t i, uint8_t* bytes) const {
-    const hn::Rebind<uint8_t, DSite> d;
-    hn::StoreU(hn::DemoteTo(d, green), d, bytes + i);
-  }
 };
 
-// The greens of a row's sites, at its odd columns or the even ones: computed ...
+// What the greens of a row's sites are computed from, which are at its odd columns or the even ones.
 template <bool kOdd>
-class ComputedGreens {
+class GreenSource {
  public:
-  HWY_INLINE ComputedGreens(const GreenLines& lines, const BayerRow& row)
-      : rows_(lines.raw, lines.ahead), last_(row.width / 2 - 1), bilinear_(lines.bilinear) {}
+  HWY_INLINE GreenSource(const GreenLines& lines, const BayerRow& row)
+      : ahead_(lines.ahead), last_(row.width / 2 - 1), bilinear_(lines.bilinear) {
+    for (size_t i = 0; i < 5; ++i) even_[i] = LoadedAlone(lines.raw[i]);
+    ahead_.line = LoadedAlone(ahead_.line);
+    ahead_.next_row = LoadedAlone(ahead_.next_row);
+    SplitEnds(ahead_);
+  }
 
-  // Samples of row y - 2 + i.
-  HWY_INLINE const int16_t* Raw(size_t i) const { return rows_.Even(i); }
+  // The even columns of row y - 2 + i.
+  HWY_INLINE const int16_t* Even(size_t i) const { return even_[i]; }
 
   // Of sites i to i + kSites - 1; at an edge, if they are not all inner ones.
   HWY_INLINE Greens Block(ptrdiff_t i, bool edge) const {
@@ -152,15 +120,14 @@ class ComputedGreens {
     const auto load = [i](const int16_t* from) PRISMO_INLINE { return hn::LoadU(DSite(), from + i); };
     const auto once = [&](const int16_t* from) PRISMO_INLINE { return LoadedOnce(load(from)); };
     constexpr ptrdiff_t kSame = kOdd ? kSplitPitch : 0, kEast = kOdd ? 1 : kSplitPitch;
-    const int16_t* const row = rows_.Even(2);
-    const VSite souther = rows_.Last(i, kOdd, edge);
-    const VSite own = once(row + kSame);
+    const VSite souther = SplitAhead(i, edge);
+    const VSite own = once(even_[2] + kSame);
     const VSite twice = hn::Add(own, own);
-    const VSite north = once(rows_.Even(1) + kSame), south = once(rows_.Even(3) + kSame);
-    const VSite west = once(row + kEast - 1), east = once(row + kEast);
+    const VSite north = once(even_[1] + kSame), south = once(even_[3] + kSame);
+    const VSite west = once(even_[2] + kEast - 1), east = once(even_[2] + kEast);
     const VSite down = hn::Add(north, south), across = hn::Add(west, east);
-    const VSite vertical = hn::Sub(twice, hn::Add(load(rows_.Even(0) + kSame), souther));
-    const VSite horizontal = hn::Sub(twice, hn::Add(load(row + kSame - 1), load(row + kSame + 1)));
+    const VSite vertical = hn::Sub(twice, hn::Add(load(even_[0] + kSame), souther));
+    const VSite horizontal = hn::Sub(twice, hn::Add(load(even_[2] + kSame - 1), load(even_[2] + kSame + 1)));
     VSite g = ClampToByte(Smoother({north, south, vertical, hn::Add(hn::Add(down, down), vertical)},
                                    {west, east, horizontal, hn::Add(hn::Add(across, across), horizontal)}));
     if (edge) {
@@ -175,56 +142,35 @@ class ComputedGreens {
   }
 
   HWY_INLINE ColumnRange InnerSites() const {
-    return bilinear_ ? ColumnRange{0, 0} : ColumnRange{1, std::min(last_, rows_.EndOfLast())};
+    return bilinear_ ? ColumnRange{0, 0} : ColumnRange{1, std::min(last_, ahead_.columns.end / 2)};
   }
 
  private:
-  RawRows<5> rows_;
+  // Splits row y + 2 in passing: beside the stores of pixels that are under way, its own would fill the
+  // queue. Returns its sites. At an edge some of them lie where nothing is to be split.
+  HWY_INLINE VSite SplitAhead(ptrdiff_t i, bool edge) const {
+    const ptrdiff_t begin = ahead_.columns.begin, end = ahead_.columns.end;
+    if (edge && (2 * i < begin || 2 * i + kSplitColumns > end)) {
+      return hn::LoadU(DSite(), even_[4] + (kOdd ? kSplitPitch : 0) + i);
+    }
+    const Halves halves = SplitBlock(ahead_, 2 * i);
+    return kOdd ? halves.odd : halves.even;
+  }
+
+  const int16_t* even_[5];
+  RowToSplit ahead_;
   uint32_t last_;
   bool bilinear_;
 };
 
-// ... or as bytes, from memory.
-template <bool kOdd>
-class KeptGreens {
- public:
-  HWY_INLINE KeptGreens(const GreenBytes& from, const BayerRow&)
-      : rows_(from.raw, from.split), bytes_(LoadedAlone(from.bytes)), next_(LoadedAlone(from.next)) {}
-
-  HWY_INLINE const int16_t* Raw(size_t i) const { return rows_.Even(i); }
-
-  HWY_INLINE Greens Block(ptrdiff_t i, bool edge) const {
-    const hn::Rebind<uint8_t, DSite> d_bytes;
-    hwy::Prefetch(bytes_ + i + next_);
-    const VSite own = rows_.Last(i, kOdd, edge);
-    return {hn::PromoteTo(DSite(), hn::LoadU(d_bytes, bytes_ + i)), hn::Add(own, own)};
-  }
-
-  HWY_INLINE ColumnRange InnerSites() const { return {0, rows_.EndOfLast()}; }
-
- private:
-  RawRows<3> rows_;
-  const uint8_t* bytes_;
-  size_t next_;
-};
-
-template <bool kOdd>
-HWY_INLINE ComputedGreens<kOdd> GreensFrom(const GreenLines& from, const BayerRow& row) {
-  return {from, row};
-}
-template <bool kOdd>
-HWY_INLINE KeptGreens<kOdd> GreensFrom(const GreenBytes& from, const BayerRow& row) {
-  return {from, row};
-}
-
-template <class Source, typename T>
-HWY_INLINE void StoreGreens(const Source& source, const BayerRow& row, T* to) {
+template <class Source>
+HWY_INLINE void StoreGreens(const Source& source, const BayerRow& row, int16_t* words) {
   ptrdiff_t i = row.columns.begin / 2;
   const ptrdiff_t end = (row.columns.end + 1) / 2;
   const auto [inner_begin, inner_end] = source.InnerSites();
-  for (; i < end && i < inner_begin; i += kSites) source.Block(i, true).Store(i, to);
-  for (; i < end && i + kSites <= inner_end; i += kSites) source.Block(i, false).Store(i, to);
-  for (; i < end; i += kSites) source.Block(i, true).Store(i, to);
+  for (; i < end && i < inner_begin; i += kSites) source.Block(i, true).Store(i, words);
+  for (; i < end && i + kSites <= inner_end; i += kSites) source.Block(i, false).Store(i, words);
+  for (; i < end; i += kSites) source.Block(i, true).Store(i, words);
 }
 
 // Narrower vectors come with 16 registers, which are too few to make greens and pixels in one pass (measured:

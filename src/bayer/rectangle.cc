@@ -93,7 +93,7 @@ Status OnPool(const AcpiForm& form, const Rectangle& r) {
   mp::LogStarted(EntryName(form));
   const ColumnRange columns = whole.region.columns;
   const RowRange rows{static_cast<int32_t>(r.top), static_cast<int32_t>(r.size.height)};
-  return WithGreenPlane({columns, r.top, r.size.height}, [&](const GreenPlane& greens) {
+  return WithGreenRows(r.top, r.size.height, [&](const GreenRows& greens) {
     const GreenJob green{whole.images, columns, greens};
     const Status green_status = mp::RunOnPool(
         geometry, green,
@@ -126,9 +126,7 @@ Status OnPool(const AcpiForm& form, const Rectangle& r) {
         bgra ? (bg_family ? LogFunction::kGBRG8ToBGRA_ACPI_BR_WK : LogFunction::kBGGR8ToBGRA_ACPI_BR_WK)
              : (bg_family ? LogFunction::kGBRG8ToBGR_ACPI_BR_WK : LogFunction::kBGGR8ToBGR_ACPI_BR_WK));
     if (status != Status::kSuccess) {
-      green.GiveUp({rows.first + 1, rows.count - 2}, [&](uint32_t y) {
-        ConvertSides(whole, {static_cast<int32_t>(y), 1});
-      });
+      green.GiveUp({rows.first + 1, rows.count - 2}, [&](RowRange inner) { ConvertSides(whole, inner); });
     }
     return status;
   });

@@ -19,27 +19,24 @@ struct Pages {
 
 constexpr size_t kMostKept = size_t{128} << 20;
 
-// Plain pointers, which may be null: applications may convert before any constructor of ours has run, and
+// A plain pointer, which may be null: applications may convert before any constructor of ours has run, and
 // after every destructor.
-constinit std::atomic<Pages*> kept_pages[2]{};
+constinit std::atomic<Pages*> kept_pages{nullptr};
 
-void Keep(std::atomic<Pages*>& kept, Pages* pages) {
-  if (pages->memory != nullptr && pages->bytes <= kMostKept) pages = kept.exchange(pages);
+void Keep(Pages* pages) {
+  if (pages->memory != nullptr && pages->bytes <= kMostKept) pages = kept_pages.exchange(pages);
   delete pages;
 }
 
 }  // namespace
 
-std::shared_ptr<void> TakePages(KeptFor use, size_t bytes) {
-  std::atomic<Pages*>& kept = kept_pages[static_cast<size_t>(use)];
-  std::unique_ptr<Pages> pages(kept.exchange(nullptr));
+std::shared_ptr<void> TakePages(size_t bytes) {
+  std::unique_ptr<Pages> pages(kept_pages.exchange(nullptr));
   if (!pages || pages->bytes < bytes) pages = std::make_unique<Pages>(bytes);
   void* const memory = pages->memory;
-  return {memory, [&kept, owned = pages.release()](void*) { Keep(kept, owned); }};
+  return {memory, [owned = pages.release()](void*) { Keep(owned); }};
 }
 
-void ReleaseKeptPages() noexcept {
-  for (std::atomic<Pages*>& kept : kept_pages) delete kept.exchange(nullptr);
-}
+void ReleaseKeptPages() noexcept { delete kept_pages.exchange(nullptr); }
 
 }  // namespace prismo::platform

@@ -7,12 +7,10 @@
 
 namespace prismo::platform {
 
-enum class KeptFor { kJpegPicture, kGreens };
-
 // At least `bytes`, of undefined content, aligned to a page. Null when the system has no memory; throws
 // std::bad_alloc when there is none for the pointer itself. Pages are kept when their last owner lets go,
-// those of one call for each use, up to 128 MiB.
-std::shared_ptr<void> TakePages(KeptFor use, size_t bytes);
+// those of one call, up to 128 MiB.
+std::shared_ptr<void> TakePages(size_t bytes);
 
 // For the end of the library.
 void ReleaseKeptPages() noexcept;

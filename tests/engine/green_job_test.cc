@@ -28,8 +28,6 @@ class GreenJobTest : public testing::TestWithParam<Layout> {
   GreenJobTest() {
     for (size_t i = 0; i < frame_.size(); ++i) frame_[i] = static_cast<uint8_t>(i * i * 31 + i / 7);
     AcpiOnCaller({Phase::kGR, GetParam()}, complete_.data(), frame_.data(), {kWidth, kHeight});
-    green_.ComputeRows({1, 1});
-    green_.ComputeRows({kHeight - 2, 1});
   }
 
   enum class Row { kUntouched, kGreens, kComplete };
@@ -52,8 +50,8 @@ class GreenJobTest : public testing::TestWithParam<Layout> {
   std::vector<uint8_t> frame_ = std::vector<uint8_t>(kWidth * kHeight);
   std::vector<uint8_t> complete_ = std::vector<uint8_t>(pitch_ * kHeight);
   std::vector<uint8_t> picture_ = std::vector<uint8_t>(pitch_ * kHeight, kBefore);
-  GreenPlane plane_{{0, kWidth}, 1, kHeight - 2};
-  std::vector<uint8_t> memory_ = std::vector<uint8_t>(plane_.Bytes());
+  std::vector<uint8_t> states_ = std::vector<uint8_t>(kHeight);
+  const GreenRows rows_{0, states_.data()};
   const AcpiImages images_{.src = frame_.data(),
                            .frame = {kWidth, kHeight},
                            .phase = Phase::kGR,
@@ -62,15 +60,12 @@ class GreenJobTest : public testing::TestWithParam<Layout> {
                            .first_column = 0,
                            .first_row = 0,
                            .layout = GetParam()};
-  const GreenJob green_ = [this] {
-    plane_.Use(memory_.data());
-    return GreenJob{images_, {0, kWidth}, plane_};
-  }();
+  const GreenJob green_{images_, {0, kWidth}, rows_};
   const AcpiJob colours_{.images = images_,
                          .region = {{0, kWidth}, {2, kWidth - 2}, 2, kHeight - 3},
                          .pad_bytes = 0,
                          .stores = simd::StoreKind::kCached,
-                         .greens = plane_};
+                         .greens = rows_};
 };
 
 INSTANTIATE_TEST_SUITE_P(Layouts, GreenJobTest, testing::Values(Layout::kBgra, Layout::kBgr));
@@ -121,9 +116,7 @@ TEST_P(GreenJobTest, ColoursThatComeLateAreLeftOut) {
 // Whoever comes first, each row ends up with what it is due.
 TEST_P(GreenJobTest, WorkersAndTheSubmitterMayComeAtOnce) {
   for (int round = 0; round < 200; ++round) {
-    plane_.Use(memory_.data());
-    green_.ComputeRows({1, 1});
-    green_.ComputeRows({kHeight - 2, 1});
+    std::fill(states_.begin(), states_.end(), uint8_t{0});
     std::fill(picture_.begin(), picture_.end(), kBefore);
     std::atomic<int> arrived{0};
     const auto meet = [&arrived](int time) {

@@ -146,34 +146,5 @@ TEST_F(OutOfMemoryAnywhere, ConfigurationAndLog) {
   });
 }
 
-// The pool's adaptive demosaic wants pages from the system, for its greens.
-TEST_F(OutOfMemoryAnywhere, Pages) {
-  if (test::kSanitized) GTEST_SKIP() << "sanitizers take address space as they like";
-  if (test::kUnderQemu) GTEST_SKIP() << "the emulator does not limit its guest";
-  constexpr uint32_t kWide = 2448, kHigh = 2048, kBefore = 7;
-  constexpr size_t kPitch = 4 * size_t{kWide};
-  const Bytes frame(size_t{kWide} * kHigh, 100);
-  Bytes picture(kPitch * kHigh, kBefore);
-  const auto convert = [&] { return ByrRG8ToBGRA_MP_ACPI(picture.data(), frame.data(), kWide, kHigh); };
-  StartMPThreads(1);
-
-  size_t pages = 0;
-  std::ifstream("/proc/self/statm") >> pages;
-  ASSERT_GT(pages, 0u);
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
-  rlimit little = before;
-  little.rlim_cur = pages * static_cast<size_t>(getpagesize()) + (size_t{1} << 20);
-  ASSERT_EQ(setrlimit(RLIMIT_AS, &little), 0);
-  const uint32_t without = convert();
-  ASSERT_EQ(setrlimit(RLIMIT_AS, &before), 0);
-
-  EXPECT_EQ(without, UTL_STS_FAILURE);
-  for (const uint32_t y : {0u, 1u, kHigh - 2, kHigh - 1}) EXPECT_EQ(picture[y * kPitch], 100) << y;
-  for (const uint32_t y : {2u, kHigh / 2, kHigh - 3}) EXPECT_EQ(picture[y * kPitch + 1], kBefore) << y;
-  EXPECT_EQ(convert(), UTL_STS_SUCCESS);
-  EXPECT_EQ(picture[kHigh / 2 * kPitch + 1], 100);
-}
-
 }  // namespace
 }  // namespace prismo::mp

@@ -63,7 +63,7 @@ JpegEncoder::JpegEncoder(const void* pixels, Layout layout, FrameSize size)
 
 JpegEncoder::JpegEncoder(FrameSize size) : JpegEncoder(nullptr, Layout::kBgra, size) {
   if (std::max(size.width, size.height) > INT32_MAX) return;  // the product below would not fit
-  state_->own = TakePages(KeptFor::kJpegPicture, size.Pixels() * PixelBytes(Layout::kBgra));
+  state_->own = TakePages(size.Pixels() * PixelBytes(Layout::kBgra));
   state_->pixels = state_->own.get();
 }
 
