@@ -15,8 +15,8 @@ struct AcpiForm {
 // Statuses as for the bilinear demosaic.
 Status AcpiOnCaller(const AcpiForm& form, void* dst, const void* src, FrameSize size);
 
-// The two outermost rows on each side on the caller's thread; then one work for the greens of the other rows
-// and a second one, after it, for their reds and blues.
+// The two outermost rows on each side on the caller's thread; then two works, one after the other, for the
+// other rows: see GreenRows.
 Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize size);
 
 }  // namespace prismo

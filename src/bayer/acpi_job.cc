@@ -160,7 +160,7 @@ void AcpiJob::Rows(RowRange range) const {
     const auto first_row = static_cast<uint32_t>(rows.first);
     const uint32_t end_row = first_row + static_cast<uint32_t>(rows.count);
     // Rows that begin at the same place of a line of memory all end there, too.
-    const uint32_t end = images.dst_pitch % kBlockColumns == 0
+    const uint32_t end = images.dst_pitch % simd::kCacheLine == 0
                              ? StripBorder(first_row, strip.end)
                              : std::min(strip.end + kBlockColumns, region.columns.end);
     Ring ring(images, {strip.begin, end}, first_row - 1);

@@ -53,7 +53,8 @@ struct AcpiJob {
   uint32_t StripBorder(uint32_t y, uint32_t column) const;
 };
 
-// The first work on the pool, for greens and the frame's two outermost columns on each side: see GreenRows.
+// The first work on the pool: sees to greens, and to the frame's two outermost columns on each side, should
+// the second one not come. See GreenRows.
 struct GreenJob {
   AcpiImages images;
   ColumnRange columns;

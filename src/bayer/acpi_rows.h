@@ -11,8 +11,9 @@ namespace prismo {
 inline constexpr uint32_t kStripColumns = 2176;
 inline constexpr uint32_t kBlockColumns = 64;  // of the widest vectors
 
-constexpr uint32_t DownToBlock(uint32_t column) { return column & ~(kBlockColumns - 1); }
-constexpr uint32_t UpToBlock(uint32_t column) { return DownToBlock(column + kBlockColumns - 1); }
+constexpr uint32_t UpToBlock(uint32_t column) {
+  return (column + kBlockColumns - 1) / kBlockColumns * kBlockColumns;
+}
 
 // Words that are there before and behind those of a strip: kernels read and write whole vectors.
 inline constexpr uint32_t kSplitMargin = 64;

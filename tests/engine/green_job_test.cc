@@ -144,6 +144,35 @@ TEST_P(GreenJobTest, WorkersAndTheSubmitterMayComeAtOnce) {
   }
 }
 
+// Wide rows come in strips.
+TEST(WideGreenJob, PutsGreensOfAllColumns) {
+  constexpr uint32_t kWide = 4400;
+  constexpr RowRange kRows{2, kHeight - 4};
+  std::vector<uint8_t> frame(kWide * kHeight), states(kHeight);
+  for (size_t i = 0; i < frame.size(); ++i) frame[i] = static_cast<uint8_t>(i * i * 31 + i / 7);
+  std::vector<uint8_t> complete(3 * frame.size()), picture(3 * frame.size(), kBefore);
+  AcpiOnCaller({Phase::kBG, Layout::kBgr}, complete.data(), frame.data(), {kWide, kHeight});
+  const GreenRows rows(0, states.data());
+  const GreenJob green{{.src = frame.data(),
+                        .frame = {kWide, kHeight},
+                        .phase = Phase::kBG,
+                        .dst = picture.data(),
+                        .dst_pitch = 3 * kWide,
+                        .first_column = 0,
+                        .first_row = 0,
+                        .layout = Layout::kBgr},
+                       {0, kWide},
+                       rows};
+  green.Rows(kRows);
+  green.GiveUp(kRows);
+  for (size_t at = 0; at < picture.size(); ++at) {
+    const size_t x = at / 3 % kWide, y = at / 3 / kWide;
+    const bool border = x < 2 || x >= kWide - 2;
+    const bool written = y >= 2 && y < kHeight - 2 && (border || at % 3 == 1);
+    ASSERT_EQ(picture[at], written ? complete[at] : kBefore) << x << ',' << y;
+  }
+}
+
 // The second work waits behind another until its time is up.
 class SecondWorkGivenUp : public test::PoolTest {
  protected:

@@ -1,20 +1,15 @@
 // Memory that runs out in any call: every allocation that the library makes on the caller's thread fails
 // once.
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include <cstdint>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "engine/failing_new.h"
 #include "engine/fresh_pool.h"
-#include "support/emulation.h"
 #include "support/scoped_environment.h"
-#include "support/sweeps.h"
 #include "support/temp_folder.h"
 
 namespace prismo::mp {

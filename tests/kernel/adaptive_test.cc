@@ -80,14 +80,14 @@ TEST_F(Adaptive, TallFramesOfEveryPatternEqualTheReference) {
   }
 }
 
-// Wide rows are converted in strips of about 2048 columns, which meet where a row's stores are aligned.
+// Wide rows are converted in strips of up to 2176 columns, which meet where a row's stores are aligned.
 TEST_F(Adaptive, WideFramesEqualTheReference) {
   PRISMO_TRACE_SEED();
   ASSERT_TRUE(StartPool(2));
   uint32_t i = 0;
   for (const BayerRoutine& routine : AdaptiveRoutines()) {
     for (const Output output : OutputsOf(routine.bgra)) {
-      for (const uint32_t width : {2048u, 2050u, 4098u, 4160u, 6146u}) {
+      for (const uint32_t width : {2176u, 2178u, 4098u, 4350u, 4352u, 6530u}) {
         CheckCaller(routine, {width, 8, kPatterns[i++ % std::size(kPatterns)]}, output);
         if (HasFailure()) return;
       }
@@ -95,7 +95,23 @@ TEST_F(Adaptive, WideFramesEqualTheReference) {
   }
 }
 
-// The pool's kernels are not all those of the caller: greens go from one work to the next as bytes.
+// And a few hundred rows at a time.
+TEST_F(Adaptive, WideTallFramesEqualTheReference) {
+  PRISMO_TRACE_SEED();
+  ASSERT_TRUE(StartPool(2));
+  uint32_t i = 0;
+  for (const On on : {On::kCaller, On::kPool}) {
+    for (const bool bgra : {false, true}) {
+      const std::vector<BayerRoutine> routines = RoutinesOn(on);
+      const auto routine = std::find_if(routines.begin(), routines.end(),
+                                        [&](const BayerRoutine& r) { return r.bgra == bgra; });
+      ASSERT_NE(routine, routines.end());
+      CheckCaller(*routine, {2180, 520, kPatterns[i++ % std::size(kPatterns)]}, OutputsOf(bgra).back());
+      if (HasFailure()) return;
+    }
+  }
+}
+
 TEST_F(Adaptive, EveryWidthOnThePoolEqualsTheReference) {
   PRISMO_TRACE_SEED();
   ASSERT_TRUE(StartPool(2));
