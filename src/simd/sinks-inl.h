@@ -20,13 +20,18 @@ namespace prismo::HWY_NAMESPACE {
 #endif
 
 // Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
-// 128-bit lane first those at even places, then those at odd ones, as packing leaves them.
-enum class Order { kPixels, kHalves };
+// 128-bit lane first those at even places, then those at odd ones, as packing leaves them, or in each 32-bit
+// lane four that are a quarter of the block apart.
+enum class Order { kPixels, kHalves, kQuarters };
 
 // The byte that holds a pixel.
 template <Order kOrder>
 constexpr size_t PlaceOf(size_t pixel) {
-  return kOrder == Order::kPixels ? pixel : pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
+  switch (kOrder) {
+    case Order::kPixels: return pixel;
+    case Order::kHalves: return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
+    case Order::kQuarters: return pixel % (kLanes / 4) * 4 + pixel / (kLanes / 4);
+  }
 }
 
 // Byte permutes across a whole block take pixels from anywhere at no extra cost.

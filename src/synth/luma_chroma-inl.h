@@ -12,7 +12,7 @@
 
 #include <bit>
 
-#include "simd/vectors-inl.h"
+#include "simd/sinks-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
@@ -137,9 +137,11 @@ HWY_INLINE VI32 TruncatedProduct(VI32 v, float factor) {
 // Division in single precision: between 256 and 512 its bits are nine of integer part and kFractionBits of
 // fraction. Fractions of sums without a remainder are less than kLeast; a bias keeps them there, as it keeps
 // the others at kLeast or more and below one, however the product is rounded.
+inline constexpr int kFractionBits = 15;
+
 template <int kDivisor>
 struct Division {
-  static constexpr int kFractionBits = 15, kOne = 1 << kFractionBits;
+  static constexpr int kOne = 1 << kFractionBits;
   static constexpr int kLeast = static_cast<int>(std::bit_floor(static_cast<unsigned>(kOne / kDivisor)));
   static constexpr int kRemainderMask = kOne - kLeast;
   static constexpr float kFactor = static_cast<float>(1.0 / kDivisor);
@@ -156,7 +158,7 @@ struct Division {
   static_assert(kLeast * kDivisor < kOne);
 };
 
-// Quotients of up to 255, in the low bytes of words, and where no remainder is left.
+// Quotients of up to 255, as bytes above kFractionBits bits, and where no remainder is left.
 template <int kDivisor, Weights kWeights, class... Source>
 HWY_INLINE MI32 Divide(VI32& quotient, const Source&... source) {
   using Rule = Division<kDivisor>;
@@ -168,14 +170,18 @@ HWY_INLINE MI32 Divide(VI32& quotient, const Source&... source) {
   const auto dividend = hn::ConvertTo(df, Weigh<kWeights>(source...));
 #endif
   const auto product = hn::MulAdd(dividend, hn::Set(df, -Rule::kFactor), hn::Set(df, -Rule::kStart));
-  const VI32 bits = hn::BitCast(d32, product), remainder_mask = hn::Set(d32, Rule::kRemainderMask);
-  quotient = hn::ShiftRight<Rule::kFractionBits>(bits);  // a word, as the product is negative
+  quotient = hn::BitCast(d32, product);
+  const VI32 remainder_mask = hn::Set(d32, Rule::kRemainderMask);
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-  return MI32{_mm512_testn_epi32_mask(bits.raw, remainder_mask.raw)};
+  return MI32{_mm512_testn_epi32_mask(quotient.raw, remainder_mask.raw)};
 #else
-  return hn::Eq(hn::And(bits, remainder_mask), hn::Zero(d32));
+  return hn::Eq(hn::And(quotient, remainder_mask), hn::Zero(d32));
 #endif
 }
+
+// Words whose low bytes are the quotients: products are negative.
+HWY_INLINE VI32 QuotientWords(VI32 quotient) { return hn::ShiftRight<kFractionBits>(quotient); }
+HWY_INLINE VI32 AsQuotient(VI32 byte) { return hn::ShiftLeft<kFractionBits>(byte); }
 
 // The integer parts of a sum that is evaluated in doubles.
 template <class Sum>
@@ -241,26 +247,89 @@ HWY_INLINE MI32 GreyPixels(V32 pixels) {
 
 inline constexpr Weights kLumaWeights{114, 587, 299, 0};
 
-// The low bytes of words in 32-bit lanes. 128-bit block q takes what the blocks q of its arguments hold, one
-// after the other.
-HWY_INLINE V8 PackBytes(const VI32 (&v)[4]) {
-  const DI16 d16;
-  const VI16 byte = hn::Set(d16, 0xFF);
-  const VI16 low = hn::And(hn::ReorderDemote2To(d16, v[0], v[1]), byte);
-  const VI16 high = hn::And(hn::ReorderDemote2To(d16, v[2], v[3]), byte);
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-  return V8{_mm512_packus_epi16(low.raw, high.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return V8{_mm256_packus_epi16(low.raw, high.raw)};
-#elif HWY_ARCH_X86
-  return V8{_mm_packus_epi16(low.raw, high.raw)};
-#else
-  const hn::Half<D8> half;
-  return hn::Combine(D8(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
-#endif
+// Brings packed vectors that follow each other back into order: kPieces pieces from each 128-bit block.
+template <size_t kPieces>
+HWY_INLINE V8 InOrder(V8 packed) {
+  constexpr size_t kBlocks = kLanes / 16;
+  if constexpr (kBlocks == 1) {
+    return packed;
+  } else {
+    using T = std::conditional_t<kPieces == 4, uint32_t, uint64_t>;
+    const hn::ScalableTag<T> d;
+    HWY_ALIGN static constexpr auto kOrder = [] {
+      struct {
+        T index[kBlocks * kPieces];
+      } order{};
+      for (size_t i = 0; i < kBlocks * kPieces; ++i) order.index[i] = kPieces * (i % kBlocks) + i / kBlocks;
+      return order;
+    }();
+    const auto order = hn::SetTableIndices(d, kOrder.index);
+    return hn::BitCast(D8(), hn::TableLookupLanes(hn::BitCast(d, packed), order));
+  }
 }
 
+// How vectors of quotients are packed: one after the other, or so that 128-bit block q takes what the blocks q
+// of the vectors hold, one after the other, or in the way that costs least.
+enum class Packing { kPixels, kBlocks, kAny };
+
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+
+inline constexpr Order kAnyOrder = Order::kQuarters;
+
+template <Packing kPacking>
+HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
+  // Eight bits for each byte: those of a quotient go into byte i of its 32-bit lane.
+  const __m512i bits = _mm512_set1_epi64(kFractionBits * 0x01010101 + (kFractionBits + 32) * 0x0101010100000000);
+  __m512i packed = _mm512_multishift_epi64_epi8(bits, v[0].raw);
+  packed = _mm512_mask_multishift_epi64_epi8(packed, 0x2222222222222222, bits, v[1].raw);
+  packed = _mm512_mask_multishift_epi64_epi8(packed, 0x4444444444444444, bits, v[2].raw);
+  packed = _mm512_mask_multishift_epi64_epi8(packed, 0x8888888888888888, bits, v[3].raw);
+  if constexpr (kPacking == Packing::kAny) {
+    return V8{packed};
+  } else {
+    alignas(64) static constexpr auto kPlaces = [] {
+      struct {
+        uint8_t index[64];
+      } places{};
+      for (size_t i = 0; i < 64; ++i) {
+        const size_t pixel = kPacking == Packing::kPixels ? i : i / 4 % 4 * 16 + i / 16 * 4 + i % 4;
+        places.index[i] = static_cast<uint8_t>(PlaceOf<Order::kQuarters>(pixel));
+      }
+      return places;
+    }();
+    return V8{_mm512_permutexvar_epi8(_mm512_load_si512(kPlaces.index), packed)};
+  }
+}
+
+#else
+
+inline constexpr Order kAnyOrder = Order::kPixels;
+
+template <Packing kPacking>
+HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
+  const DI16 d16;
+  const VI16 byte = hn::Set(d16, 0xFF);
+  const auto words = [&](VI32 a, VI32 b) PRISMO_INLINE {
+    return hn::And(hn::ReorderDemote2To(d16, QuotientWords(a), QuotientWords(b)), byte);
+  };
+  const VI16 low = words(v[0], v[1]), high = words(v[2], v[3]);
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  const V8 packed{_mm512_packus_epi16(low.raw, high.raw)};
+#elif HWY_TARGET == HWY_AVX2
+  const V8 packed{_mm256_packus_epi16(low.raw, high.raw)};
+#elif HWY_ARCH_X86
+  const V8 packed{_mm_packus_epi16(low.raw, high.raw)};
+#else
+  const hn::Half<D8> half;
+  const V8 packed = hn::Combine(D8(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+#endif
+  return kPacking == Packing::kBlocks ? packed : InOrder<4>(packed);
+}
+
+#endif
+
 // Lumas of four vectors of pixels, packed.
+template <Packing kPacking>
 HWY_INLINE V8 LumaBytes(const V32 (&pixels)[4]) {
   const DI32 d32;
   const D8 d8;
@@ -268,20 +337,20 @@ HWY_INLINE V8 LumaBytes(const V32 (&pixels)[4]) {
   MI32 whole[4];
   for (size_t i = 0; i < 4; ++i) whole[i] = Divide<1000, kLumaWeights>(luma[i], pixels[i]);
   const MI32 any_whole = hn::Or(hn::Or(whole[0], whole[1]), hn::Or(whole[2], whole[3]));
-  if (HWY_LIKELY(hn::AllFalse(d32, any_whole))) return PackBytes(luma);
+  if (HWY_LIKELY(hn::AllFalse(d32, any_whole))) return PackQuotients<kPacking>(luma);
 
   VI32 one_if_grey[4];
   for (size_t i = 0; i < 4; ++i) {
     const MI32 grey = GreyPixels(pixels[i]);
-    one_if_grey[i] = hn::IfThenElseZero(grey, hn::Set(d32, 1));
+    one_if_grey[i] = hn::IfThenElseZero(grey, AsQuotient(hn::Set(d32, 1)));
     if (!hn::AllFalse(d32, hn::AndNot(grey, whole[i]))) {
-      luma[i] = LumaInDoubles(pixels[i], 1);
+      luma[i] = AsQuotient(LumaInDoubles(pixels[i], 1));
       one_if_grey[i] = hn::Zero(d32);
     }
   }
-  const V8 bytes = PackBytes(luma);
+  const V8 bytes = PackQuotients<kPacking>(luma);
   const auto darker = hn::Ne(InSet(bytes, kDarkerGreys), hn::Zero(d8));
-  return hn::Sub(bytes, hn::IfThenElseZero(darker, PackBytes(one_if_grey)));
+  return hn::Sub(bytes, hn::IfThenElseZero(darker, PackQuotients<kPacking>(one_if_grey)));
 }
 
 // Luma of 16 bits, of which fewer can be taken.
@@ -312,29 +381,47 @@ inline constexpr ByteSet kLowerU([](int v) {
   return ChromaUOf<kPixels>(green, green, green) < 128;
 });
 
-// U, in the low bytes of words, of pixels or of sums of kPixels pixels.
-template <int kPixels, class... Source>
-HWY_INLINE VI32 ChromaU(const Source&... source) {
+// A closer look at quotients that are whole.
+template <int kPixels>
+HWY_INLINE VI32 CloserU(VI32 u, MI32 whole, VI16 blue_red, VI16 green) {
   const DI32 d32;
-  VI32 u;
-  const MI32 whole = Divide<1000 * kPixels, kUWeights<kPixels>>(u, source...);
-  if (HWY_LIKELY(hn::AllFalse(d32, whole))) return u;
-
   VI32 b, g, r;
-  Channels(source..., b, g, r);
-  if (!hn::AllFalse(d32, hn::AndNot(hn::Eq(g, r), whole))) return ChromaUInDoubles<kPixels>(b, g, r);
-  const V16 green = hn::SaturatedSub(hn::BitCast(D16(), g), hn::Set(D16(), kLowerUOffset<kPixels>));
-  const VI32 lower = hn::BitCast(d32, InSet(hn::BitCast(D8(), green), kLowerU<kPixels>));
+  Channels(blue_red, green, b, g, r);
+  if (!hn::AllFalse(d32, hn::AndNot(hn::Eq(g, r), whole))) {
+    return AsQuotient(ChromaUInDoubles<kPixels>(b, g, r));
+  }
+  const V16 grey = hn::SaturatedSub(hn::BitCast(D16(), g), hn::Set(D16(), kLowerUOffset<kPixels>));
+  const VI32 lower = hn::BitCast(d32, InSet(hn::BitCast(D8(), grey), kLowerU<kPixels>));
   const MI32 known = hn::AndNot(hn::Gt(b, g), hn::Ne(lower, hn::Zero(d32)));
-  return hn::Sub(u, hn::IfThenElseZero(hn::And(whole, known), hn::Set(d32, 1)));
+  return hn::Sub(u, hn::IfThenElseZero(hn::And(whole, known), AsQuotient(hn::Set(d32, 1))));
 }
 
-// V, in the low bytes as well, whose doubles never lie below an integer.
-template <int kPixels, class... Source>
-HWY_INLINE VI32 ChromaV(const Source&... source) {
-  VI32 v;
-  Divide<1000 * kPixels, kVWeights<kPixels>>(v, source...);
-  return v;
+// U, as quotients, of sums of kPixels pixels. Unrolled, or the arrays would live in memory.
+template <int kPixels, size_t kVectors>
+HWY_INLINE void ChromaU(const VI16 (&blue_red)[kVectors], const VI16 (&green)[kVectors],
+                        VI32 (&u)[kVectors]) {
+  const DI32 d32;
+  MI32 whole[kVectors], any_whole;
+#pragma GCC unroll 4
+  for (size_t i = 0; i < kVectors; ++i) {
+    whole[i] = Divide<1000 * kPixels, kUWeights<kPixels>>(u[i], blue_red[i], green[i]);
+    any_whole = i == 0 ? whole[0] : hn::Or(any_whole, whole[i]);
+  }
+  if (HWY_LIKELY(hn::AllFalse(d32, any_whole))) return;
+#pragma GCC unroll 4
+  for (size_t i = 0; i < kVectors; ++i) {
+    if (!hn::AllFalse(d32, whole[i])) u[i] = CloserU<kPixels>(u[i], whole[i], blue_red[i], green[i]);
+  }
+}
+
+// V, as quotients as well, whose doubles never lie below an integer.
+template <int kPixels, size_t kVectors>
+HWY_INLINE void ChromaV(const VI16 (&blue_red)[kVectors], const VI16 (&green)[kVectors],
+                        VI32 (&v)[kVectors]) {
+#pragma GCC unroll 4
+  for (size_t i = 0; i < kVectors; ++i) {
+    Divide<1000 * kPixels, kVWeights<kPixels>>(v[i], blue_red[i], green[i]);
+  }
 }
 
 #endif  // HWY_SCALAR

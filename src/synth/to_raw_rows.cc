@@ -154,27 +154,6 @@ HWY_INLINE V32 LoadPixels(const uint8_t* from) {
   }
 }
 
-// Brings packed vectors that follow each other back into order: kPieces pieces from each 128-bit block.
-template <size_t kPieces>
-HWY_INLINE V8 InOrder(V8 packed) {
-  constexpr size_t kBlocks = kLanes / 16;
-  if constexpr (kBlocks == 1) {
-    return packed;
-  } else {
-    using T = std::conditional_t<kPieces == 4, uint32_t, uint64_t>;
-    const hn::ScalableTag<T> d;
-    HWY_ALIGN static constexpr auto kOrder = [] {
-      struct {
-        T index[kBlocks * kPieces];
-      } order{};
-      for (size_t i = 0; i < kBlocks * kPieces; ++i) order.index[i] = kPieces * (i % kBlocks) + i / kBlocks;
-      return order;
-    }();
-    const auto order = hn::SetTableIndices(d, kOrder.index);
-    return hn::BitCast(D8(), hn::TableLookupLanes(hn::BitCast(d, packed), order));
-  }
-}
-
 // Sums of neighbouring 32-bit lanes, out of order as packed ones are.
 HWY_INLINE VI16 AddNeighbours(VI16 a, VI16 b) {
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
@@ -219,7 +198,7 @@ struct ToMono8 : Target<kPixelBytes, 1, 1> {
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
     V32 pixels[4];
     LoadStep<kPixelBytes, kStep>(from, pixels);
-    Put<kStores>(InOrder<4>(LumaBytes(pixels)), D8(), to + kStep * kLanes);
+    Put<kStores>(LumaBytes<Packing::kPixels>(pixels), D8(), to + kStep * kLanes);
     if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
   }
 };
@@ -259,13 +238,14 @@ struct ToYuv444 : Target<kPixelBytes, 1, 3> {
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
     V32 pixels[4];
     LoadStep<kPixelBytes, kStep>(from, pixels);
+    VI16 blue_red[4], green[4];
+    for (size_t i = 0; i < 4; ++i) SplitPixels(pixels[i], blue_red[i], green[i]);
     VI32 u[4], v[4];
-    for (size_t i = 0; i < 4; ++i) {
-      u[i] = ChromaU<1>(pixels[i]);
-      v[i] = ChromaV<1>(pixels[i]);
-    }
-    const BgrSink sink{to + 3 * kLanes * kStep};
-    sink.Store<kStores>(0, InOrder<4>(PackBytes(u)), InOrder<4>(LumaBytes(pixels)), InOrder<4>(PackBytes(v)));
+    ChromaU<1>(blue_red, green, u);
+    ChromaV<1>(blue_red, green, v);
+    const PackedSink<3, kAnyOrder> sink{to + 3 * kLanes * kStep};
+    sink.template Store<kStores>(0, PackQuotients<Packing::kAny>(u), LumaBytes<Packing::kAny>(pixels),
+                                 PackQuotients<Packing::kAny>(v));
     if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
   }
 };
@@ -280,12 +260,13 @@ struct ToYuv422 : Target<kPixelBytes, 2, 4> {
     AddPairs(pixels, blue_red, green);
     const DI16 d16;
     const D8 d8;
-    const VI16 u =
-        hn::ReorderDemote2To(d16, ChromaU<2>(blue_red[0], green[0]), ChromaU<2>(blue_red[1], green[1]));
-    const VI16 v =
-        hn::ReorderDemote2To(d16, ChromaV<2>(blue_red[0], green[0]), ChromaV<2>(blue_red[1], green[1]));
-    const V8 uv = hn::BitCast(d8, hn::OrAnd(hn::ShiftLeft<8>(v), u, hn::Set(d16, 0xFF)));
-    const V8 luma = LumaBytes(pixels);  // in the same order
+    VI32 u[2], v[2];
+    ChromaU<2>(blue_red, green, u);
+    ChromaV<2>(blue_red, green, v);
+    const VI16 u_words = hn::ReorderDemote2To(d16, QuotientWords(u[0]), QuotientWords(u[1]));
+    const VI16 v_words = hn::ReorderDemote2To(d16, QuotientWords(v[0]), QuotientWords(v[1]));
+    const V8 uv = hn::BitCast(d8, hn::OrAnd(hn::ShiftLeft<8>(v_words), u_words, hn::Set(d16, 0xFF)));
+    const V8 luma = LumaBytes<Packing::kBlocks>(pixels);
     uint8_t* at = to + 2 * kLanes * kStep;
     Put<kStores>(InOrder<2>(hn::InterleaveLower(d8, uv, luma)), d8, at);
     Put<kStores>(InOrder<2>(hn::InterleaveUpper(d8, uv, luma)), d8, at + kLanes);
@@ -317,14 +298,17 @@ struct ToYuv411 : Target<kPixelBytes, 4, 6, 2 * kPart> {
   static HWY_INLINE void Quads(const uint8_t* from, V8& luma, V32& uv) {
     V32 pixels[4];
     LoadStep<kPixelBytes, kStep>(from, pixels);
-    luma = InOrder<4>(LumaBytes(pixels));
+    luma = LumaBytes<Packing::kPixels>(pixels);
     VI16 blue_red[2], green[2];
     AddPairs(pixels, blue_red, green);
-    const VI16 quad_blue_red = AddNeighbours(blue_red[0], blue_red[1]);
-    const VI16 quad_green = AddNeighbours(green[0], green[1]);
-    const VI32 u = ChromaU<4>(quad_blue_red, quad_green), v = ChromaV<4>(quad_blue_red, quad_green);
-    uv = hn::BitCast(D32(),
-                     InOrder<4>(hn::BitCast(D8(), hn::OrAnd(hn::ShiftLeft<8>(v), u, hn::Set(DI32(), 0xFF)))));
+    const VI16 quad_blue_red[1] = {AddNeighbours(blue_red[0], blue_red[1])};
+    const VI16 quad_green[1] = {AddNeighbours(green[0], green[1])};
+    VI32 u[1], v[1];
+    ChromaU<4>(quad_blue_red, quad_green, u);
+    ChromaV<4>(quad_blue_red, quad_green, v);
+    const VI32 packed =
+        hn::OrAnd(hn::ShiftLeft<8>(QuotientWords(v[0])), QuotientWords(u[0]), hn::Set(DI32(), 0xFF));
+    uv = hn::BitCast(D32(), InOrder<4>(hn::BitCast(D8(), packed)));
   }
 };
 
