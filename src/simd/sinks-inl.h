@@ -93,14 +93,15 @@ HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& 
 template <size_t kElements, typename Index, size_t kUnit, Order kOrder = Order::kPixels>
 struct Interleave3Indices {
   alignas(64) Index index[3][kElements * kUnit];
-  uint64_t third[3];  // lanes that take channel 2
+  uint64_t second[3], third[3];  // lanes that take channels 1 and 2
 
-  constexpr Interleave3Indices() : index{}, third{} {
+  constexpr Interleave3Indices() : index{}, second{}, third{} {
     for (size_t out = 0; out < 3; ++out) {
       for (size_t i = 0; i < kElements * kUnit; ++i) {
         const size_t j = out * kElements + i / kUnit;
         const size_t from = PlaceOf<kOrder>(j / 3) * kUnit + i % kUnit;
         index[out][i] = static_cast<Index>(j % 3 == 1 ? kElements * kUnit + from : from);
+        if (j % 3 == 1) second[out] |= uint64_t{1} << i;
         if (j % 3 == 2) third[out] |= uint64_t{1} << i;
       }
     }
@@ -115,7 +116,8 @@ HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
   V8* const out[3] = {&v0, &v1, &v2};
   for (size_t i = 0; i < 3; ++i) {
     const __m512i index = _mm512_load_si512(kIndices.index[i]);
-    const __m512i bg = _mm512_permutex2var_epi8(b.raw, index, g.raw);
+    const __m512i only_b = _mm512_permutexvar_epi8(index, b.raw);
+    const __m512i bg = _mm512_mask_permutexvar_epi8(only_b, kIndices.second[i], index, g.raw);
     *out[i] = V8{_mm512_mask_permutexvar_epi8(bg, kIndices.third[i], index, r.raw)};
   }
 }
