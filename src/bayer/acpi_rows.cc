@@ -33,8 +33,10 @@ HWY_INLINE ptrdiff_t FirstSite(bool) { return 0; }
 HWY_INLINE ptrdiff_t FirstSite(bool odd) { return odd ? 1 : 0; }
 #endif
 
+inline constexpr Order kSiteOrder = CheapOrder(Order::kHalves);
+
 // A block of bytes from sites that are clamped to 0 to 255, `first` from its first column on and `second`
-// from the next, in kPackedOrder.
+// from the next, in kSiteOrder.
 #if HWY_TARGET == HWY_SCALAR
 HWY_INLINE V8 Alternate(VSite first, VSite) {
   return hn::TruncateTo(D8(), hn::BitCast(D16(), ClampToByte(first)));
@@ -55,7 +57,7 @@ HWY_INLINE V8 HalvesToPixels(V8 halves) {
 }
 HWY_INLINE V8 Alternate(VSite first, VSite second) {
   const V8 halves = Pack(first, second);
-  return kPackedOrder == Order::kHalves ? halves : HalvesToPixels(halves);
+  return kAnyOrder ? halves : HalvesToPixels(halves);
 }
 #else
 HWY_INLINE V8 Alternate(VSite first, VSite second) {
@@ -229,7 +231,7 @@ struct BlocksInStep {
 // the time of both. With plain stores all rows under way and the pixels would overflow the first-level cache.
 template <size_t kBytes>
 void ColourInStep(const ColourLines& lines, const GreenLines& below_lines, const BayerRow& below,
-                  const BayerRow& row, const PackedSink<kBytes, kPackedOrder>& sink) {
+                  const BayerRow& row, const PackedSink<kBytes, kSiteOrder>& sink) {
   // The sites of the last inner block's greens are inner ones, too.
   const ColumnRange inner{lines.adaptive.begin, lines.adaptive.end - 2};
   CoverColumns<StoreKind::kStreaming>(
@@ -249,7 +251,7 @@ void ColourInStep(const ColourLines& lines, const GreenLines& below_lines, const
 template <size_t kBytes, StoreKind kStores>
 void Colour(const ColourLines& lines, const GreenLines& below_lines, const BayerRow& below,
             const BayerRow& row, const RowTarget& target) {
-  const PackedSink<kBytes, kPackedOrder> sink{target.plane[0], target.first_column};
+  const PackedSink<kBytes, kSiteOrder> sink{target.plane[0], target.first_column};
   if constexpr (kStores == StoreKind::kStreaming) {
     const size_t to_line = sink.PixelsToLine(row.columns.begin);
     if (to_line == kCacheLine) {

@@ -93,7 +93,7 @@ struct BorderSites {
 // north or south stands for both), and green uses only the two neighbours along the border.
 template <class A>
 HWY_INLINE void Interpolate(const A& arithmetic, const typename A::T* const (&lines)[3], size_t x,
-                            hn::Mask<typename A::D> green_sites, const BorderSites<typename A::D>* border,
+                            bool starts_green, const BorderSites<typename A::D>* border,
                             typename A::V& row_colour, typename A::V& green, typename A::V& other_colour) {
   using V = typename A::V;
   const auto load = [&](size_t line, ptrdiff_t dx) PRISMO_INLINE {
@@ -129,9 +129,10 @@ HWY_INLINE void Interpolate(const A& arithmetic, const typename A::T* const (&li
     }
     horizontal = hn::IfThenElse(edge, arithmetic.Average1(west), horizontal);
   }
-  row_colour = hn::IfThenElse(green_sites, horizontal, own);
-  green = hn::IfThenElse(green_sites, own, cross);
-  other_colour = hn::IfThenElse(green_sites, vertical, diagonal);
+  const typename A::D d;
+  row_colour = AtGreenSites(d, starts_green, horizontal, own);
+  green = AtGreenSites(d, starts_green, own, cross);
+  other_colour = AtGreenSites(d, starts_green, vertical, diagonal);
 }
 
 // A block that touches the frame's border.
@@ -147,14 +148,13 @@ HWY_INLINE void InterpolatePart(const A& arithmetic, const typename A::T* const 
                                 bool starts_green, const BorderBlock* border, typename A::V& row_colour,
                                 typename A::V& green, typename A::V& other_colour) {
   using D = typename A::D;
-  const auto green_sites = GreenSites(D(), starts_green);
   if (border) {
     const size_t x = border->x + lane;
     const BorderSites<D> sites{border->edge_row, OutsideColumns(D(), x, {1, border->width}),
                                OutsideColumns(D(), x, {0, border->width - 1})};
-    Interpolate(arithmetic, lines, lane, green_sites, &sites, row_colour, green, other_colour);
+    Interpolate(arithmetic, lines, lane, starts_green, &sites, row_colour, green, other_colour);
   } else {
-    Interpolate<A>(arithmetic, lines, lane, green_sites, nullptr, row_colour, green, other_colour);
+    Interpolate<A>(arithmetic, lines, lane, starts_green, nullptr, row_colour, green, other_colour);
   }
 }
 

@@ -76,6 +76,17 @@ HWY_INLINE hn::Mask<D> GreenSites(D d, bool starts_green) {
   return hn::Eq(odd, hn::Set(d, static_cast<T>(starts_green ? 0 : 1)));
 }
 
+// Of two vectors of sites, the first at green sites and the second at others.
+template <class D, class V>
+HWY_INLINE V AtGreenSites(D d, bool starts_green, V green, V others) {
+#if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_SSE4  // where a blend by a mask takes two steps or three
+  if constexpr (sizeof(hn::TFromD<D>) == 2) {
+    return starts_green ? hn::OddEven(others, green) : hn::OddEven(green, others);
+  }
+#endif
+  return hn::IfThenElse(GreenSites(d, starts_green), green, others);
+}
+
 // Reading ahead pays where streaming stores keep the memory busy (measured at 26 megapixels: 1.2 times and
 // more).
 inline constexpr size_t kPrefetchBytes = 2048;

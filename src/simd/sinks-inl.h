@@ -22,7 +22,7 @@ namespace prismo::HWY_NAMESPACE {
 // Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
 // 128-bit lane first those at even places, then those at odd ones, as packing leaves them, or in each 32-bit
 // lane four that are a quarter of the block apart.
-enum class Order { kPixels, kHalves, kQuarters };
+enum class Order { kPixels, kHalves, kFromQuarters };
 
 // The byte that holds a pixel.
 template <Order kOrder>
@@ -30,16 +30,17 @@ constexpr size_t PlaceOf(size_t pixel) {
   switch (kOrder) {
     case Order::kPixels: return pixel;
     case Order::kHalves: return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
-    case Order::kQuarters: return pixel % (kLanes / 4) * 4 + pixel / (kLanes / 4);
+    case Order::kFromQuarters: return pixel % (kLanes / 4) * 4 + pixel / (kLanes / 4);
   }
 }
 
 // Byte permutes across a whole block take pixels from anywhere at no extra cost.
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL
-inline constexpr Order kPackedOrder = Order::kHalves;
+inline constexpr bool kAnyOrder = true;
 #else
-inline constexpr Order kPackedOrder = Order::kPixels;
+inline constexpr bool kAnyOrder = false;
 #endif
+constexpr Order CheapOrder(Order order) { return kAnyOrder ? order : Order::kPixels; }
 
 #if PRISMO_OWN_INTERLEAVE
 

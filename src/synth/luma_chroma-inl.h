@@ -269,12 +269,11 @@ HWY_INLINE V8 InOrder(V8 packed) {
 }
 
 // How vectors of quotients are packed: one after the other, or so that 128-bit block q takes what the blocks q
-// of the vectors hold, one after the other, or in the way that costs least.
-enum class Packing { kPixels, kBlocks, kAny };
+// of the vectors hold, one after the other, or in the order that costs least.
+enum class Packing { kPixels, kBlocks, kCheap };
+inline constexpr Order kCheapOrder = CheapOrder(Order::kFromQuarters);
 
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
-
-inline constexpr Order kAnyOrder = Order::kQuarters;
 
 template <Packing kPacking>
 HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
@@ -284,7 +283,7 @@ HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
   packed = _mm512_mask_multishift_epi64_epi8(packed, 0x2222222222222222, bits, v[1].raw);
   packed = _mm512_mask_multishift_epi64_epi8(packed, 0x4444444444444444, bits, v[2].raw);
   packed = _mm512_mask_multishift_epi64_epi8(packed, 0x8888888888888888, bits, v[3].raw);
-  if constexpr (kPacking == Packing::kAny) {
+  if constexpr (kPacking == Packing::kCheap) {
     return V8{packed};
   } else {
     alignas(64) static constexpr auto kPlaces = [] {
@@ -293,7 +292,7 @@ HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
       } places{};
       for (size_t i = 0; i < 64; ++i) {
         const size_t pixel = kPacking == Packing::kPixels ? i : i / 4 % 4 * 16 + i / 16 * 4 + i % 4;
-        places.index[i] = static_cast<uint8_t>(PlaceOf<Order::kQuarters>(pixel));
+        places.index[i] = static_cast<uint8_t>(PlaceOf<Order::kFromQuarters>(pixel));
       }
       return places;
     }();
@@ -302,8 +301,6 @@ HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
 }
 
 #else
-
-inline constexpr Order kAnyOrder = Order::kPixels;
 
 template <Packing kPacking>
 HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {

@@ -243,9 +243,9 @@ struct ToYuv444 : Target<kPixelBytes, 1, 3> {
     VI32 u[4], v[4];
     ChromaU<1>(blue_red, green, u);
     ChromaV<1>(blue_red, green, v);
-    const PackedSink<3, kAnyOrder> sink{to + 3 * kLanes * kStep};
-    sink.template Store<kStores>(0, PackQuotients<Packing::kAny>(u), LumaBytes<Packing::kAny>(pixels),
-                                 PackQuotients<Packing::kAny>(v));
+    const PackedSink<3, kCheapOrder> sink{to + 3 * kLanes * kStep};
+    sink.template Store<kStores>(0, PackQuotients<Packing::kCheap>(u), LumaBytes<Packing::kCheap>(pixels),
+                                 PackQuotients<Packing::kCheap>(v));
     if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
   }
 };
