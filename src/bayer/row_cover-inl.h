@@ -148,8 +148,9 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
   const size_t inner_from = std::max<size_t>(inner_columns.begin, kReadBefore);
   const size_t inner_to =
       std::min<size_t>({inner_columns.end, row.width - std::min<size_t>(row.width, kReadAfter), stream_end});
+  constexpr size_t kTogether = kBlocksTogether<Sink, kStores>, kPixelsTogether = kTogether * kLanes;
   size_t x = stream_begin;
-  if (x < inner_from) x += (inner_from - x + kLanes - 1) / kLanes * kLanes;
+  if (x < inner_from) x += (inner_from - x + kPixelsTogether - 1) / kPixelsTogether * kPixelsTogether;
   const size_t blocks = (std::max(inner_to, x) - x) / kLanes;
   const Sink inner_sink = sink;  // a copy: `some` takes the address of the original, which keeps it in memory
   // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
@@ -167,7 +168,20 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
         if (++i < blocks) one(compute_next, i);
       }
     } else {
-      for (size_t i = 0; i < blocks; ++i) one(compute, i);
+      size_t i = 0;
+      if constexpr (kTogether > 1) {
+        for (; i + kTogether <= blocks; i += kTogether) {
+          V8 row_colour[kTogether], green[kTogether], other_colour[kTogether];
+#pragma GCC unroll 4
+          for (size_t j = 0; j < kTogether; ++j) compute(i + j, row_colour[j], green[j], other_colour[j]);
+          if (blue) {
+            inner_sink.StreamLines(x + i * kLanes, row_colour, green, other_colour);
+          } else {
+            inner_sink.StreamLines(x + i * kLanes, other_colour, green, row_colour);
+          }
+        }
+      }
+      for (; i < blocks; ++i) one(compute, i);
     }
   };
   if (StartsGreen(row.role, x)) {

@@ -142,8 +142,19 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
     for (; x + kStreamPixels <= pixels; x += kStreamPixels) {
       const uint8_t* const ahead = src + Source::kGroup.Bytes(x) + kPrefetchBytes;
       for (size_t i = 0; i < Source::kGroup.Bytes(kStreamPixels); i += kCacheLine) hwy::Prefetch(ahead + i);
-      for (size_t i = 0; i < kStreamPixels; i += Source::kBlockPixels) {
-        ThisBlock::template Convert<kStores>(source, src + Source::kGroup.Bytes(x + i), At(sink, x + i));
+      constexpr size_t kTogether = kBlocksTogether<Sink, kStores>;
+      for (size_t i = 0; i < kStreamPixels; i += kTogether * Source::kBlockPixels) {
+        const uint8_t* const from = src + Source::kGroup.Bytes(x + i);
+        if constexpr (kTogether == 1) {
+          ThisBlock::template Convert<kStores>(source, from, At(sink, x + i));
+        } else {
+          V8 b[kTogether], g[kTogether], r[kTogether];
+#pragma GCC unroll 4
+          for (size_t j = 0; j < kTogether; ++j) {
+            source.Load(from + Source::kGroup.Bytes(j * Source::kBlockPixels), b[j], g[j], r[j]);
+          }
+          sink.StreamLines(x + i, b, g, r);
+        }
       }
     }
     plain(x, pixels);

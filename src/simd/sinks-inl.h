@@ -254,6 +254,20 @@ struct PlanarSink {
     Put<kStores>(r, D8(), plane[2] + x - first);
   }
 
+  // Streams a line of memory of each plane, one after the other: lines that are written by turns cost up to
+  // twice as much.
+  template <size_t kBlocks>
+  HWY_INLINE void StreamLines(size_t x, const V8 (&b)[kBlocks], const V8 (&g)[kBlocks],
+                              const V8 (&r)[kBlocks]) const {
+    const auto line = [&](uint8_t* to, const V8(&blocks)[kBlocks]) PRISMO_INLINE {
+#pragma GCC unroll 4
+      for (size_t i = 0; i < kBlocks; ++i) hn::Stream(blocks[i], D8(), to + x - first + i * kLanes);
+    };
+    line(plane[0], b);
+    line(plane[1], g);
+    line(plane[2], r);
+  }
+
   template <StoreKind>
   HWY_INLINE void StoreSome(size_t x, size_t count, V8 b, V8 g, V8 r) const {
     HWY_ALIGN uint8_t block[3][kLanes];
@@ -276,6 +290,13 @@ struct PlanarSink {
     for (uint8_t* const p : plane) __builtin_prefetch(p + x - first, 1);
   }
 };
+
+// Blocks that are best streamed together.
+template <class Sink, StoreKind kStores>
+inline constexpr size_t kBlocksTogether = 1;
+template <>
+inline constexpr size_t kBlocksTogether<PlanarSink, StoreKind::kStreaming> =
+    kLanes == 1 ? 1 : kCacheLine / kLanes;
 
 }  // namespace prismo::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
