@@ -45,8 +45,19 @@ struct Direction {
 // values fit 16 bits.
 HWY_INLINE VSite Smoother(const Direction& a, const Direction& b) {
   // Twice the better one, or the sum of both.
+#if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_SSE4
+  // Their difference, with the sign of the gradients' difference, makes the one of the other.
+  const VSite from_a = hn::Sub(b.estimate, a.estimate), sign = hn::Sub(a.gradient, b.gradient);
+#if HWY_TARGET == HWY_AVX2
+  const VSite change{_mm256_sign_epi16(from_a.raw, sign.raw)};
+#else
+  const VSite change{_mm_sign_epi16(from_a.raw, sign.raw)};
+#endif
+  const VSite twice = hn::Add(hn::Add(a.estimate, b.estimate), change);
+#else
   const VSite twice = hn::Add(hn::IfThenElse(hn::Gt(a.gradient, b.gradient), b.estimate, a.estimate),
                               hn::IfThenElse(hn::Gt(b.gradient, a.gradient), a.estimate, b.estimate));
+#endif
   return hn::ShiftRight<3>(twice);
 }
 
