@@ -30,6 +30,7 @@ struct GreySink {
   }
   HWY_INLINE size_t PixelsToLine(size_t x) const { return HWY_NAMESPACE::PixelsToLine(dst + x, 1); }
   HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(dst + x, 1); }
+  HWY_INLINE void PrepareBlock(size_t x) const { PrepareLines(dst + x, kLanes); }
 };
 
 template <class Sink>
@@ -114,6 +115,7 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
   using ThisBlock = Block<Source, Sink>;
   const auto plain = [&](size_t x, size_t end) PRISMO_INLINE {
     for (; x + Source::kBlockPixels <= end; x += Source::kBlockPixels) {
+      if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(x);
       ThisBlock::template Convert<StoreKind::kCached>(source, src + Source::kGroup.Bytes(x), At(sink, x));
     }
     if (x == end) return;

@@ -19,6 +19,14 @@ namespace prismo::HWY_NAMESPACE {
 #define PRISMO_OWN_INTERLEAVE 0
 #endif
 
+// Sinks fetch the lines that plain stores will write this much later: where these lie beyond the near caches
+// they come late.
+inline constexpr size_t kPrepareBytes = 4096;
+
+HWY_INLINE void PrepareLines(const uint8_t* to, size_t bytes) {
+  for (size_t i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(to + kPrepareBytes + i, 1);
+}
+
 // Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
 // 128-bit lane first those at even places, then those at odd ones, as packing leaves them, or in each 32-bit
 // lane four that are a quarter of the block apart.
@@ -209,6 +217,9 @@ struct PackedSink {
   // Fetches the line of pixel x for a plain store to come: a store that misses would hold up those behind it.
   HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(At(x), 1); }
 
+  // Fetches as much as a block from pixel x on, kPrepareBytes ahead.
+  HWY_INLINE void PrepareBlock(size_t x) const { PrepareLines(At(x), kBytes * kLanes); }
+
  private:
   HWY_INLINE uint8_t* At(size_t x) const { return dst + kBytes * (x - first); }
 
@@ -288,6 +299,9 @@ struct PlanarSink {
 
   HWY_INLINE void PrepareStore(size_t x) const {
     for (uint8_t* const p : plane) __builtin_prefetch(p + x - first, 1);
+  }
+  HWY_INLINE void PrepareBlock(size_t x) const {
+    for (uint8_t* const p : plane) PrepareLines(p + x - first, kLanes);
   }
 };
 
