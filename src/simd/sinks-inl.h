@@ -21,7 +21,7 @@ namespace prismo::HWY_NAMESPACE {
 
 // Sinks fetch the lines that plain stores will write this much later: where these lie beyond the near caches
 // they come late.
-inline constexpr size_t kPrepareBytes = 4096;
+inline constexpr size_t kPrepareBytes = 1024;
 
 HWY_INLINE void PrepareLines(const uint8_t* to, size_t bytes) {
   for (size_t i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(to + kPrepareBytes + i, 1);
