@@ -12,6 +12,7 @@
 #include "convert/yuv_sources-inl.h"
 #include "hwy/cache_control.h"
 #include "hwy/highway.h"
+#include "simd/block_order-inl.h"
 #include "simd/sinks-inl.h"
 #include "simd/target_tables.h"
 
@@ -32,6 +33,11 @@ struct GreySink {
   HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(dst + x, 1); }
   HWY_INLINE void PrepareBlock(size_t x) const { PrepareLines(dst + x, kLanes); }
 };
+
+template <class Sink>
+inline constexpr size_t kSinkBytes = Sink::kPixelBytes;  // of a pixel
+template <>
+inline constexpr size_t kSinkBytes<PlanarSink> = 3;
 
 template <class Sink>
 HWY_INLINE Sink At(const Sink& sink, size_t x) {
@@ -65,9 +71,6 @@ struct Scratch<PlanarSink, kPixels> {
 // Streaming stores fill whole cache lines, and a line that has seen one is not touched again: what comes
 // before the first and after the last whole line of a run is stored plainly.
 constexpr size_t kStreamPixels = 64;  // of any size they fill whole lines
-
-// The processor's own prefetch falls behind beside streaming stores.
-constexpr size_t kPrefetchBytes = 4096;
 
 // Pixels, in whole groups, before a line starts; `pixels` when none does.
 template <class Source, class Sink>
@@ -110,6 +113,25 @@ template <class Source>
 struct Block<SpillSource<Source>, BgraSink> : SpillBlock<Source> {};
 #endif
 
+// kStreamPixels from a source to whole lines of memory.
+template <class Source, class Sink>
+HWY_INLINE void StreamLines(const Source& source, const uint8_t* src, const Sink& sink) {
+  constexpr size_t kTogether = kBlocksTogether<Sink, StoreKind::kStreaming>;
+  for (size_t x = 0; x < kStreamPixels; x += kTogether * Source::kBlockPixels) {
+    const uint8_t* const from = src + Source::kGroup.Bytes(x);
+    if constexpr (kTogether == 1) {
+      Block<Source, Sink>::template Convert<StoreKind::kStreaming>(source, from, At(sink, x));
+    } else {
+      V8 b[kTogether], g[kTogether], r[kTogether];
+#pragma GCC unroll 4
+      for (size_t i = 0; i < kTogether; ++i) {
+        source.Load(from + Source::kGroup.Bytes(i * Source::kBlockPixels), b[i], g[i], r[i]);
+      }
+      sink.StreamLines(x, b, g, r);
+    }
+  }
+}
+
 template <class Source, class Sink, StoreKind kStores>
 HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src, size_t pixels) {
   using ThisBlock = Block<Source, Sink>;
@@ -141,24 +163,20 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
     const size_t rest = (pixels - x) % kStreamPixels;
     for (size_t i = pixels - rest; i < pixels; i += kCacheLine / Sink::kPixelBytes) sink.PrepareStore(i);
     plain(0, x);
-    for (; x + kStreamPixels <= pixels; x += kStreamPixels) {
-      const uint8_t* const ahead = src + Source::kGroup.Bytes(x) + kPrefetchBytes;
-      for (size_t i = 0; i < Source::kGroup.Bytes(kStreamPixels); i += kCacheLine) hwy::Prefetch(ahead + i);
-      constexpr size_t kTogether = kBlocksTogether<Sink, kStores>;
-      for (size_t i = 0; i < kStreamPixels; i += kTogether * Source::kBlockPixels) {
-        const uint8_t* const from = src + Source::kGroup.Bytes(x + i);
-        if constexpr (kTogether == 1) {
-          ThisBlock::template Convert<kStores>(source, from, At(sink, x + i));
-        } else {
-          V8 b[kTogether], g[kTogether], r[kTogether];
-#pragma GCC unroll 4
-          for (size_t j = 0; j < kTogether; ++j) {
-            source.Load(from + Source::kGroup.Bytes(j * Source::kBlockPixels), b[j], g[j], r[j]);
-          }
-          sink.StreamLines(x + i, b, g, r);
-        }
-      }
+    const size_t blocks = (pixels - x) / kStreamPixels;
+    constexpr size_t kInBytes = Source::kGroup.Bytes(kStreamPixels);
+    const auto block = [&](size_t i, size_t ahead) PRISMO_INLINE {
+      const size_t first = x + i * kStreamPixels;
+      const uint8_t* const from = src + Source::kGroup.Bytes(first);
+      for (size_t byte = 0; byte < kInBytes; byte += kCacheLine) hwy::Prefetch(from + byte + ahead);
+      StreamLines<Source, Sink>(source, from, At(sink, first));
+    };
+    if constexpr (Source::kArithmetic) {  // more of it than of reading
+      for (size_t i = 0; i < blocks; ++i) block(i, kPrefetchBytes);
+    } else {
+      AtSeveralPlaces<kInBytes, kStreamPixels * kSinkBytes<Sink>>(blocks, block);
     }
+    x += blocks * kStreamPixels;
     plain(x, pixels);
   }
 }
@@ -168,24 +186,21 @@ void Run(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t shift) {
   RunTo<Source, Sink, kStores>(Source(shift), Sink{dst}, src, pixels);
 }
 
-// The C library copies best what it streams, in ways that vector stores do not offer, but it begins late
-// (measured on x86 at 5 to 12 megapixels: 1.2 to 1.4 times as long; it streamed from about 40 MB on).
-constexpr size_t kLongCopyBytes = size_t{40} << 20;
-constexpr bool kStreamsCopies = HWY_ARCH_X86 && kLanes > 1;
-
 template <size_t kPixelBytes, StoreKind kStores>
 void Copy(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t) {
   const size_t bytes = kPixelBytes * pixels;
   size_t done = 0;
-  if (kStreamsCopies && kStores == StoreKind::kStreaming && bytes < kLongCopyBytes) {
+  if constexpr (kStores == StoreKind::kStreaming && kLanes > 1) {
+    constexpr size_t kBlock = 4 * kCacheLine;
     done = std::min(bytes, (kCacheLine - reinterpret_cast<uintptr_t>(dst) % kCacheLine) % kCacheLine);
     std::memcpy(dst, src, done);
-    for (; done + kCacheLine <= bytes; done += kCacheLine) {
-      hwy::Prefetch(src + done + kPrefetchBytes);
-      for (size_t i = done; i < done + kCacheLine; i += kLanes) {
-        Put<kStores>(hn::LoadU(D8(), src + i), D8(), dst + i);
-      }
-    }
+    const size_t first = done, blocks = (bytes - done) / kBlock;
+    AtSeveralPlaces<kBlock, kBlock>(blocks, [&](size_t block, size_t ahead) PRISMO_INLINE {
+      const size_t at = first + block * kBlock;
+      for (size_t i = at; i < at + kBlock; i += kCacheLine) hwy::Prefetch(src + i + ahead);
+      for (size_t i = at; i < at + kBlock; i += kLanes) hn::Stream(hn::LoadU(D8(), src + i), D8(), dst + i);
+    });
+    done += blocks * kBlock;
   }
   std::memcpy(dst + done, src + done, bytes - done);
 }

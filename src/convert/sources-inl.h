@@ -65,6 +65,7 @@ HWY_INLINE void LoadThreeChannels(const uint8_t* src, V8& c0, V8& c1, V8& c2) {
 
 template <prismo::Source kSource>
 struct ByteSource {
+  static constexpr bool kArithmetic = false;
   static constexpr size_t kBlockPixels = kLanes;
   static constexpr PixelGroup kGroup = GroupOf(kSource);
   explicit ByteSource(uint32_t) {}
@@ -72,6 +73,7 @@ struct ByteSource {
 
 template <prismo::Source kSource>
 struct WordSource {
+  static constexpr bool kArithmetic = false;
   static constexpr size_t kBlockPixels = kLanes;
   static constexpr PixelGroup kGroup = GroupOf(kSource);
   int shift;

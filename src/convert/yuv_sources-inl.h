@@ -17,6 +17,7 @@ namespace prismo::HWY_NAMESPACE {
 // Without vectors the tables are the quickest way. Luma k of a group is at byte kLuma[k].
 template <prismo::Source kSource, size_t kU, size_t kV, size_t... kLuma>
 struct YuvSource {
+  static constexpr bool kArithmetic = true;
   static constexpr PixelGroup kGroup = GroupOf(kSource);
   static constexpr size_t kBlockPixels = kGroup.pixels;
   explicit YuvSource(uint32_t) {}
@@ -170,6 +171,7 @@ struct Yuv411Indices {
 
 // U Y0 Y1 V Y2 Y3.
 struct Yuv411Source {
+  static constexpr bool kArithmetic = true;
   static constexpr size_t kBlockPixels = kLanes;
   static constexpr PixelGroup kGroup = GroupOf(prismo::Source::kYuv411);
   explicit Yuv411Source(uint32_t) {}
@@ -218,6 +220,7 @@ struct Yuv411Source {
 
 // U Y0 V Y1.
 struct Yuv422Source {
+  static constexpr bool kArithmetic = true;
   static constexpr size_t kBlockPixels = kLanes;
   static constexpr PixelGroup kGroup = GroupOf(prismo::Source::kYuv422);
   explicit Yuv422Source(uint32_t) {}
@@ -259,6 +262,7 @@ struct Yuv422Source {
 
 // U Y V.
 struct Yuv444Source {
+  static constexpr bool kArithmetic = true;
   static constexpr size_t kBlockPixels = kLanes;
   static constexpr PixelGroup kGroup = GroupOf(prismo::Source::kYuv444);
   explicit Yuv444Source(uint32_t) {}

@@ -7,7 +7,7 @@
 #endif
 
 #include "hwy/cache_control.h"
-#include "simd/vectors-inl.h"
+#include "simd/block_order-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
@@ -49,14 +49,23 @@ HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, si
     if (x == kBlock) return MakeRun<StoreKind::kCached>(maker, dst, src, pixels);
     if (x > 0) MakePart(maker, dst, src, 0, 0, x);
   }
-  for (; x + kBlock <= pixels; x += kBlock) {
-    const uint8_t* from = src + Maker::InBytes(x);
-    if constexpr (kStores == StoreKind::kStreaming) {
-      constexpr size_t kAhead = 4096;
-      for (size_t i = 0; i < Maker::InBytes(kBlock); i += 64) hwy::Prefetch(from + i + kAhead);
+  const size_t blocks = (pixels - x) / kBlock;
+  if constexpr (kStores == StoreKind::kStreaming) {
+    AtSeveralPlaces<Maker::InBytes(kBlock), Maker::OutBytes(kBlock)>(blocks, [&](size_t i, size_t ahead) PRISMO_INLINE {
+      const size_t at = x + i * kBlock;
+      const uint8_t* const from = src + Maker::InBytes(at);
+      for (size_t byte = 0; byte < Maker::InBytes(kBlock); byte += kCacheLine) {
+        hwy::Prefetch(from + byte + ahead);
+      }
+      maker.template Block<kStores>(dst + Maker::OutBytes(at), from, at);
+    });
+  } else {
+    for (size_t i = 0; i < blocks; ++i) {
+      const size_t at = x + i * kBlock;
+      maker.template Block<kStores>(dst + Maker::OutBytes(at), src + Maker::InBytes(at), at);
     }
-    maker.template Block<kStores>(dst + Maker::OutBytes(x), from, x);
   }
+  x += blocks * kBlock;
   if (x == pixels) return;
   const size_t last = pixels - kBlock;
   if constexpr (kStores == StoreKind::kStreaming) {

@@ -1,0 +1,45 @@
+// The order in which a run of blocks is streamed. Compiled once per instruction set.
+#if defined(PRISMO_SIMD_BLOCK_ORDER_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PRISMO_SIMD_BLOCK_ORDER_INL_H_
+#undef PRISMO_SIMD_BLOCK_ORDER_INL_H_
+#else
+#define PRISMO_SIMD_BLOCK_ORDER_INL_H_
+#endif
+
+#include <algorithm>
+#include <cstddef>
+
+#include "simd/vectors-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace prismo::HWY_NAMESPACE {
+
+// How far ahead of one place to read: the processor's own prefetch falls behind beside streaming stores.
+inline constexpr size_t kPrefetchBytes = 4096;
+
+// Calls block(i, ahead) for i = 0 to blocks - 1, at several places of the run by turns: memory gives a
+// processor more when it asks for several pages at once (0.7 of the time where most is read, 0.8 to 0.95 where
+// most is written). `ahead` is how many bytes further on to fetch: of the same place, or, in rows, of the next
+// row. In rows it pays only where much is read.
+template <size_t kInBytes, size_t kOutBytes, class Block>
+HWY_INLINE void AtSeveralPlaces(size_t blocks, const Block& block) {
+  constexpr size_t kPlaces = 4;
+  constexpr size_t kMaxApart = 509;  // odd: places that are whole pages apart share sets of the near cache
+  constexpr size_t kMinApart = 4 * kInBytes >= 3 * kOutBytes ? 8 : kMaxApart;
+  constexpr size_t kAhead = kPrefetchBytes / 2;
+  size_t done = 0;
+  while (blocks - done >= kPlaces * kMinApart) {
+    const size_t apart = std::min((blocks - done) / kPlaces, kMaxApart);
+    const size_t ahead = apart < kMaxApart ? kPlaces * apart * kInBytes : kAhead;
+    for (size_t i = done; i < done + apart; ++i) {
+      for (size_t place = 0; place < kPlaces; ++place) block(i + place * apart, ahead);
+    }
+    done += kPlaces * apart;
+  }
+  for (; done < blocks; ++done) block(done, kPrefetchBytes);
+}
+
+}  // namespace prismo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif
