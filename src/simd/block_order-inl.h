@@ -20,12 +20,13 @@ inline constexpr size_t kPrefetchBytes = 4096;
 // Calls block(i, ahead) for i = 0 to blocks - 1, at several places of the run by turns: memory gives a
 // processor more when it asks for several pages at once (0.7 of the time where most is read, 0.8 to 0.95 where
 // most is written). `ahead` is how many bytes further on to fetch: of the same place, or, in rows, of the next
-// row. In rows it pays only where much is read.
+// row. In rows it pays only where they are long and much is read.
 template <size_t kInBytes, size_t kOutBytes, class Block>
 HWY_INLINE void AtSeveralPlaces(size_t blocks, const Block& block) {
   constexpr size_t kPlaces = 4;
   constexpr size_t kMaxApart = 509;  // odd: places that are whole pages apart share sets of the near cache
-  constexpr size_t kMinApart = 4 * kInBytes >= 3 * kOutBytes ? 8 : kMaxApart;
+  constexpr size_t kMinApart = 4 * kInBytes >= 3 * kOutBytes ? 3072 / kInBytes : kMaxApart;
+  static_assert(kMinApart > 0 && kMinApart <= kMaxApart);
   constexpr size_t kAhead = kPrefetchBytes / 2;
   size_t done = 0;
   while (blocks - done >= kPlaces * kMinApart) {

@@ -15,6 +15,7 @@ using reference::PackedFrame;
 class Mono : public PackedTest {};
 
 TEST_F(Mono, EveryWidthEqualsTheReference) { SweepWidths(MonoRoutines()); }
+TEST_F(Mono, LongRunsEqualTheReference) { SweepLongRuns(MonoRoutines()); }
 TEST_F(Mono, EveryShiftEqualsTheReference) { SweepShifts(MonoRoutines()); }
 TEST_F(Mono, PoolLeavesTheLastRowOfSomeOddHeights) { SweepHeights(MonoRoutines()); }
 TEST_F(Mono, FramesOfTooFewRowsTimeOutOnThePool) { CheckShortFrames(MonoRoutines()); }

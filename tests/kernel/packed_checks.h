@@ -95,6 +95,22 @@ class PackedTest : public PoolTest {
     }
   }
 
+  // Pictures that are streamed at several places by turns: the conversions whose rows lie side by side are one
+  // run.
+  void SweepLongRuns(const std::vector<PackedRoutine>& routines) {
+    PRISMO_TRACE_SEED();
+    for (const PackedRoutine& routine : routines) {
+      if (routine.on == On::kPool) continue;
+      for (const Output output : OutputsOf(routine.bgra)) {
+        CheckOnTargets(routine, {523, 257, Pattern::kRandom, static_cast<uint8_t>(routine.words ? 4 : 0)},
+                       output);
+        CheckOnTargets(routine, {5122, 3, Pattern::kRandom, static_cast<uint8_t>(routine.words ? 2 : 0)},
+                       output);
+        if (HasFailure()) return;
+      }
+    }
+  }
+
   void SweepShifts(const std::vector<PackedRoutine>& routines) {
     PRISMO_TRACE_SEED();
     ASSERT_TRUE(StartPool(1));

@@ -10,6 +10,7 @@ namespace {
 class Packed : public PackedTest {};
 
 TEST_F(Packed, EveryWidthEqualsTheReference) { SweepWidths(PackedRoutines()); }
+TEST_F(Packed, LongRunsEqualTheReference) { SweepLongRuns(PackedRoutines()); }
 TEST_F(Packed, EveryShiftEqualsTheReference) { SweepShifts(PackedRoutines()); }
 TEST_F(Packed, PoolLeavesTheLastRowOfSomeOddHeights) { SweepHeights(PackedRoutines()); }
 TEST_F(Packed, FramesOfTooFewRowsTimeOutOnThePool) { CheckShortFrames(PackedRoutines()); }

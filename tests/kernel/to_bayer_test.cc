@@ -80,6 +80,7 @@ TEST(ToBayer, EveryWidthOnEveryTarget) {
         }
         CheckFrame(routine, {1236, 4, samples, false}, {3 % static_cast<int32_t>(samples), 1, 2, 0}, random);
         CheckFrame(routine, {2050, 4, samples, true}, {1, 0, 2, 1}, random);
+        CheckFrame(routine, {5124, 2, samples, false}, {2, 1, 1, 0}, random);  // at several places by turns
         if (HasFailure()) return;
       }
     }

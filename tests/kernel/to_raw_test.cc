@@ -57,6 +57,7 @@ TEST(ToRaw, EveryWidthOnEveryTarget) {
         }
         CheckFrame(target, source, 1236, 3, true, Pattern::kRandom, random);
         CheckFrame(target, source, 1028, 3, false, Pattern::kFine, random);
+        CheckFrame(target, source, 2048, 9, false, Pattern::kFine, random);  // at several places by turns
         if (HasFailure()) return;
       }
     }
