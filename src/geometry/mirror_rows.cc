@@ -85,6 +85,8 @@ HWY_INLINE void MirrorPart(uint8_t* to, const uint8_t* from, size_t first, size_
   std::memcpy(to, block + first, count);
 }
 
+[[maybe_unused]] constexpr size_t kPrefetchInShortRows = 1024;  // not where there are no wide vectors
+
 // Bytes to go down from `end` in steps of a unit to the start of a cache line: fewer than a block, or a block
 // when there is no such place.
 template <class Unit>
@@ -154,11 +156,14 @@ void MirrorStreaming(uint8_t* dst, const uint8_t* src, size_t row_bytes, size_t 
     const uint8_t* from = src + y * row_bytes;
     const size_t head = BytesDownToLine<Unit>(end);
     const size_t blocks = (row_bytes - start - head) / kBlock;
-    AtSeveralPlaces<kBlock, kBlock>(blocks, [&](size_t block, size_t ahead) PRISMO_INLINE {
-      const size_t x = head + block * kBlock;
-      for (size_t line = 0; line < kBlock; line += kLine) hwy::Prefetch(from + x + line + ahead);
-      Rearrange<Mirrored<Unit>, StoreKind::kStreaming>(end - x - kBlock, from + x);
-    });
+    AtSeveralPlaces<kBlock, kBlock>(
+        blocks,
+        [&](size_t block, size_t ahead) PRISMO_INLINE {
+          const size_t x = head + block * kBlock;
+          for (size_t line = 0; line < kBlock; line += kLine) hwy::Prefetch(from + x + line + ahead);
+          Rearrange<Mirrored<Unit>, StoreKind::kStreaming>(end - x - kBlock, from + x);
+        },
+        kPrefetchInShortRows);
     start = (kBlock - head) % kBlock;
     if (head == 0) continue;
     if (y > 0 && y + 2 < rows) {
@@ -214,11 +219,14 @@ void FlipStreaming(uint8_t* dst, const uint8_t* src, size_t row_bytes, size_t ro
       if (y + 1 < rows) row_end(y + 1, next_end);
     }
     const size_t lines = (row_bytes - end - start) / kLine;
-    AtSeveralPlaces<kLine, kLine>(lines, [&](size_t line, size_t ahead) PRISMO_INLINE {
-      const size_t x = start + line * kLine;
-      hwy::Prefetch(from + x + ahead);
-      for (size_t i = x; i < x + kLine; i += kLanes) hn::Stream(hn::LoadU(d8, from + i), d8, to + i);
-    });
+    AtSeveralPlaces<kLine, kLine>(
+        lines,
+        [&](size_t line, size_t ahead) PRISMO_INLINE {
+          const size_t x = start + line * kLine;
+          hwy::Prefetch(from + x + ahead);
+          for (size_t i = x; i < x + kLine; i += kLanes) hn::Stream(hn::LoadU(d8, from + i), d8, to + i);
+        },
+        kPrefetchInShortRows);
     end = next_end;
   }
 #endif

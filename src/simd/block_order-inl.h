@@ -18,11 +18,12 @@ namespace prismo::HWY_NAMESPACE {
 inline constexpr size_t kPrefetchBytes = 4096;
 
 // Calls block(i, ahead) for i = 0 to blocks - 1, at several places of the run by turns: memory gives a
-// processor more when it asks for several pages at once (0.7 of the time where most is read, 0.8 to 0.95 where
-// most is written). `ahead` is how many bytes further on to fetch: of the same place, or, in rows, of the next
-// row. In rows it pays only where they are long and much is read.
+// processor more when it asks for several pages at once (0.7 of the time where most is read, 0.8 to 0.95
+// where most is written). `ahead` is how many bytes further on to fetch: of the same place, or, in rows, of
+// the next row, or ahead_in_order where the run is too short: in rows it pays only where they are long and
+// much is read.
 template <size_t kInBytes, size_t kOutBytes, class Block>
-HWY_INLINE void AtSeveralPlaces(size_t blocks, const Block& block) {
+HWY_INLINE void AtSeveralPlaces(size_t blocks, const Block& block, size_t ahead_in_order = kPrefetchBytes) {
   constexpr size_t kPlaces = 4;
   constexpr size_t kMaxApart = 509;  // odd: places that are whole pages apart share sets of the near cache
   constexpr size_t kMinApart = 4 * kInBytes >= 3 * kOutBytes ? 3072 / kInBytes : kMaxApart;
@@ -37,7 +38,7 @@ HWY_INLINE void AtSeveralPlaces(size_t blocks, const Block& block) {
     }
     done += kPlaces * apart;
   }
-  for (; done < blocks; ++done) block(done, kPrefetchBytes);
+  for (; done < blocks; ++done) block(done, ahead_in_order);
 }
 
 }  // namespace prismo::HWY_NAMESPACE

@@ -36,9 +36,12 @@ enum class Order { kPixels, kHalves, kFromQuarters };
 template <Order kOrder>
 constexpr size_t PlaceOf(size_t pixel) {
   switch (kOrder) {
-    case Order::kPixels: return pixel;
-    case Order::kHalves: return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
-    case Order::kFromQuarters: return pixel % (kLanes / 4) * 4 + pixel / (kLanes / 4);
+    case Order::kPixels:
+      return pixel;
+    case Order::kHalves:
+      return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
+    case Order::kFromQuarters:
+      return pixel % (kLanes / 4) * 4 + pixel / (kLanes / 4);
   }
 }
 

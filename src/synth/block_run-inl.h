@@ -51,14 +51,15 @@ HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, si
   }
   const size_t blocks = (pixels - x) / kBlock;
   if constexpr (kStores == StoreKind::kStreaming) {
-    AtSeveralPlaces<Maker::InBytes(kBlock), Maker::OutBytes(kBlock)>(blocks, [&](size_t i, size_t ahead) PRISMO_INLINE {
-      const size_t at = x + i * kBlock;
-      const uint8_t* const from = src + Maker::InBytes(at);
-      for (size_t byte = 0; byte < Maker::InBytes(kBlock); byte += kCacheLine) {
-        hwy::Prefetch(from + byte + ahead);
-      }
-      maker.template Block<kStores>(dst + Maker::OutBytes(at), from, at);
-    });
+    AtSeveralPlaces<Maker::InBytes(kBlock), Maker::OutBytes(kBlock)>(
+        blocks, [&](size_t i, size_t ahead) PRISMO_INLINE {
+          const size_t at = x + i * kBlock;
+          const uint8_t* const from = src + Maker::InBytes(at);
+          for (size_t byte = 0; byte < Maker::InBytes(kBlock); byte += kCacheLine) {
+            hwy::Prefetch(from + byte + ahead);
+          }
+          maker.template Block<kStores>(dst + Maker::OutBytes(at), from, at);
+        });
   } else {
     for (size_t i = 0; i < blocks; ++i) {
       const size_t at = x + i * kBlock;

@@ -268,8 +268,8 @@ HWY_INLINE V8 InOrder(V8 packed) {
   }
 }
 
-// How vectors of quotients are packed: one after the other, or so that 128-bit block q takes what the blocks q
-// of the vectors hold, one after the other, or in the order that costs least.
+// How vectors of quotients are packed: one after the other, or so that 128-bit block q takes what the blocks
+// q of the vectors hold, one after the other, or in the order that costs least.
 enum class Packing { kPixels, kBlocks, kCheap };
 inline constexpr Order kCheapOrder = CheapOrder(Order::kFromQuarters);
 
@@ -278,7 +278,8 @@ inline constexpr Order kCheapOrder = CheapOrder(Order::kFromQuarters);
 template <Packing kPacking>
 HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
   // Eight bits for each byte: those of a quotient go into byte i of its 32-bit lane.
-  const __m512i bits = _mm512_set1_epi64(kFractionBits * 0x01010101 + (kFractionBits + 32) * 0x0101010100000000);
+  const __m512i bits =
+      _mm512_set1_epi64(kFractionBits * 0x01010101 + (kFractionBits + 32) * 0x0101010100000000);
   __m512i packed = _mm512_multishift_epi64_epi8(bits, v[0].raw);
   packed = _mm512_mask_multishift_epi64_epi8(packed, 0x2222222222222222, bits, v[1].raw);
   packed = _mm512_mask_multishift_epi64_epi8(packed, 0x4444444444444444, bits, v[2].raw);

@@ -95,8 +95,8 @@ class PackedTest : public PoolTest {
     }
   }
 
-  // Pictures that are streamed at several places by turns: the conversions whose rows lie side by side are one
-  // run.
+  // Pictures that are streamed at several places by turns: the conversions whose rows lie side by side are
+  // one run.
   void SweepLongRuns(const std::vector<PackedRoutine>& routines) {
     PRISMO_TRACE_SEED();
     for (const PackedRoutine& routine : routines) {
