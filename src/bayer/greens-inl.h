@@ -46,7 +46,7 @@ struct Direction {
 HWY_INLINE VSite Smoother(const Direction& a, const Direction& b) {
   // Twice the better one, or the sum of both.
 #if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_SSE4
-  // Their difference, with the sign of the gradients' difference, makes the one of the other.
+  // Their sum; their difference, signed by that of the gradients, makes it twice the better one.
   const VSite from_a = hn::Sub(b.estimate, a.estimate), sign = hn::Sub(a.gradient, b.gradient);
 #if HWY_TARGET == HWY_AVX2
   const VSite change{_mm256_sign_epi16(from_a.raw, sign.raw)};

@@ -182,8 +182,9 @@ void Flip(uint8_t* dst, const uint8_t* src, size_t row_bytes, size_t rows) {
     const uint8_t* const from = src + y * row_bytes;
     size_t x = 0;
 #if HWY_TARGET != HWY_SCALAR
-    const uint8_t* const next_row = to - row_bytes;
-    for (; x + kLine <= row_bytes; x += kLine) {
+    // The line that is written next is fetched for writing a row before.
+    const uint8_t* const next_row = y + 1 < rows ? to - row_bytes : nullptr;
+    for (; next_row && x + kLine <= row_bytes; x += kLine) {
       __builtin_prefetch(next_row + x, 1);
       for (size_t i = 0; i < kLine; i += kLanes) hn::StoreU(hn::LoadU(D8(), from + x + i), D8(), to + x + i);
     }

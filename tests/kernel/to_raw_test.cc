@@ -18,10 +18,10 @@ namespace {
 
 constexpr uint32_t kBgr = 0x02180015, kBgra = 0x02200017;
 constexpr uint32_t kMono8 = 0x01080001, kMono10 = 0x01100003, kMono12 = 0x01100005, kMono16 = 0x01100007;
+constexpr uint32_t kRgb12 = 0x0230001A;
 constexpr uint32_t kYuv444 = 0x02180020, kYuv422 = 0x0210001F, kYuv411 = 0x020C001E;
-constexpr uint32_t kTargets[] = {kMono8,     kMono10,    kMono12,    kMono16,    0x02180014,
-                                 0x02180015, 0x02300018, 0x0230001A, 0x02300019, 0x0230001B,
-                                 kYuv444,    kYuv422,    kYuv411};
+constexpr uint32_t kTargets[] = {kMono8, kMono10,    kMono12,    kMono16, 0x02180014, 0x02180015, 0x02300018,
+                                 kRgb12, 0x02300019, 0x0230001B, kYuv444, kYuv422,    kYuv411};
 
 uint32_t GroupPixels(uint32_t target) { return target == kYuv422 ? 2 : target == kYuv411 ? 4 : 1; }
 
@@ -58,6 +58,7 @@ TEST(ToRaw, EveryWidthOnEveryTarget) {
         CheckFrame(target, source, 1236, 3, true, Pattern::kRandom, random);
         CheckFrame(target, source, 1028, 3, false, Pattern::kFine, random);
         CheckFrame(target, source, 2048, 9, false, Pattern::kFine, random);  // at several places by turns
+        if (target == kRgb12) CheckFrame(target, source, 2048, 65, false, Pattern::kRandom, random);
         if (HasFailure()) return;
       }
     }
