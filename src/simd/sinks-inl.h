@@ -35,13 +35,14 @@ enum class Order { kPixels, kHalves, kFromQuarters };
 // The byte that holds a pixel.
 template <Order kOrder>
 constexpr size_t PlaceOf(size_t pixel) {
+  constexpr size_t kQuarter = kLanes < 4 ? 1 : kLanes / 4;
   switch (kOrder) {
     case Order::kPixels:
       return pixel;
     case Order::kHalves:
       return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
     case Order::kFromQuarters:
-      return pixel % (kLanes / 4) * 4 + pixel / (kLanes / 4);
+      return pixel % kQuarter * 4 + pixel / kQuarter;
   }
 }
 
