@@ -269,8 +269,8 @@ struct PlanarSink {
     Put<kStores>(r, D8(), plane[2] + x - first);
   }
 
-  // Streams a line of memory of each plane, one after the other: lines that are written by turns cost up to
-  // twice as much.
+  // Streams a line of memory of each plane, one after the other: lines that are written by turns take 1.3 to
+  // 1.45 times as long.
   template <size_t kBlocks>
   HWY_INLINE void StreamLines(size_t x, const V8 (&b)[kBlocks], const V8 (&g)[kBlocks],
                               const V8 (&r)[kBlocks]) const {
