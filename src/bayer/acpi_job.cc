@@ -154,6 +154,13 @@ uint32_t AcpiJob::StripBorder(uint32_t y, uint32_t column) const {
   return std::min(column + static_cast<uint32_t>(pixels), region.columns.end);
 }
 
+// Fetches the line that row y begins in, unless it begins with it: a plain store to come.
+void AcpiJob::PrepareRow(uint32_t y) const {
+  const uint8_t* const begin =
+      images.Target(y).plane[0] + PixelBytes(images.layout) * (region.columns.begin - images.first_column);
+  if (reinterpret_cast<uintptr_t>(begin) % simd::kCacheLine != 0) __builtin_prefetch(begin, 1);
+}
+
 void AcpiJob::Rows(RowRange range) const {
   if (greens) range.count = Taken(greens, range);
   ForEachTile(region.columns, range, [&](ColumnRange strip, RowRange rows) {
@@ -172,6 +179,7 @@ void AcpiJob::Rows(RowRange range) const {
         const ColourLines lines{{ring.Greens(-2), ring.Greens(-1), ring.Greens(0)},
                                 adaptive ? region.adaptive_columns : ColumnRange{0, 0}};
         const BayerRow row = ring.Row(y, {StripBorder(y, strip.begin), StripBorder(y, strip.end)});
+        if (strip.begin == region.columns.begin && y + 1 < end_row) PrepareRow(y + 1);
         const auto& convert = images.layout == Layout::kBgra ? kernels.bgra : kernels.bgr;
         convert[static_cast<size_t>(stores)](lines, below_lines, below, row, images.Target(y));
       });

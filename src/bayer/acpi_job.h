@@ -51,6 +51,7 @@ struct AcpiJob {
 
  private:
   uint32_t StripBorder(uint32_t y, uint32_t column) const;
+  void PrepareRow(uint32_t y) const;
 };
 
 // The first work on the pool: sees to greens, and to the frame's two outermost columns on each side, should
