@@ -94,9 +94,9 @@ class Ring {
     const bool second_last = row_ + 2 == images_.frame.height;
     const bool bilinear = row_ == 1 || second_last;
     if (row_ == 1 && !second_last) kernels_.split(ToSplit(2));
-    return {{Samples(-2), Samples(-1), Samples(0), Samples(1), Samples(2)},
+    return {{Samples(-2), Samples(-1), Samples(0), Samples(1)},
             bilinear,
-            bilinear ? RowToSplit{} : ToSplit(2)};
+            bilinear ? RowToSplit{nullptr, {}, 0, samples_.At(2)} : ToSplit(2)};
   }
 
   RowToSplit ToSplit(int32_t dy) const {

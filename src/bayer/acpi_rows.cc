@@ -104,12 +104,16 @@ HWY_INLINE hn::Mask<DSite> SiteAt(size_t first, size_t column) {
 struct ColourRows {
   const int16_t* even[3];
   const int16_t* greens[3];
-
-  HWY_INLINE ColourRows(const int16_t* above, const int16_t* own, const int16_t* below,
-                        int16_t* const (&sites)[3])
-      : even{above, own, below},
-        greens{LoadedAlone(sites[0]), LoadedAlone(sites[1]), LoadedAlone(sites[2])} {}
 };
+
+HWY_INLINE ColourRows LoadedRows(const ColourLines& lines, const GreenLines& below_lines) {
+  ColourRows rows;
+  for (size_t i = 0; i < 3; ++i) {
+    rows.even[i] = LoadedAlone(below_lines.raw[i]);
+    rows.greens[i] = LoadedAlone(lines.greens[i]);
+  }
+  return rows;
+}
 
 // The same for a block.
 struct ColourWords {
@@ -202,8 +206,7 @@ struct BorderBlocks {
   const BayerRow& row;
 
   HWY_INLINE void operator()(size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) const {
-    const ColourRows rows(below_lines.raw[0], below_lines.raw[1], below_lines.raw[2], lines.greens);
-    const ColourWords at(rows, x, x % 2 != 0, 0);
+    const ColourWords at(LoadedRows(lines, below_lines), x, x % 2 != 0, 0);
     ColourBlock<true>(at, StoredBelow{at}, x, row.width, lines.adaptive, starts_green, row_colour, green,
                       other_colour);
   }
@@ -213,17 +216,18 @@ struct BorderBlocks {
 // Inner blocks from an even column on, with the greens of the row below them.
 template <bool kStartsGreen>
 struct BlocksInStep {
-  GreensInStep<GreenSource<!kStartsGreen>> greens;
-  ColourRows rows;
-  ptrdiff_t first;  // site
+  GreensInStep<GreenSource<!kStartsGreen>> below;
+  int16_t* greens[2];  // of the row above and the row itself, from the next block's first column on
 
-  HWY_INLINE void operator()(size_t block, V8& row_colour, V8& green, V8& other_colour) {
-    const ptrdiff_t i = LoadedAlone(first + static_cast<ptrdiff_t>(block) * kSites);
-    greens.Make(i + kStartsGreen);
-    const MadeBelow<decltype(greens)> below{greens, FirstSite(kStartsGreen)};
-    const ColourWords at(rows, static_cast<size_t>(2 * i), false, 0);
-    ColourBlock<false>(at, below, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
-                       other_colour);
+  HWY_INLINE void operator()(size_t, V8& row_colour, V8& green, V8& other_colour) {
+    below.Make();
+    const ColourRows rows{{below.Even(0), below.Even(1), below.Even(2)},
+                          {greens[0], greens[1], below.Words()}};
+    ColourBlock<false>(ColourWords(rows, 0, false, 0),
+                       MadeBelow<decltype(below)>{below, FirstSite(kStartsGreen)}, 0, 0, {},
+                       std::bool_constant<kStartsGreen>(), row_colour, green, other_colour);
+    below.Done();
+    for (int16_t*& words : greens) words = LoadedAlone(words + kSites);
   }
 };
 
@@ -238,11 +242,10 @@ void ColourInStep(const ColourLines& lines, const GreenLines& below_lines, const
       row, inner, sink,
       [&](size_t x, size_t blocks, auto starts_green) PRISMO_INLINE {
         constexpr bool kStartsGreen = decltype(starts_green)::value;
-        const GreenSource<!kStartsGreen> source(below_lines, below);
         const auto first = static_cast<ptrdiff_t>(x / 2);
-        return BlocksInStep<kStartsGreen>{{source, below, lines.greens[2], first + kStartsGreen, blocks},
-                                          {source.Even(0), source.Even(1), source.Even(2), lines.greens},
-                                          first};
+        return BlocksInStep<kStartsGreen>{
+            {below_lines, below, LoadedAlone(lines.greens[2]), first, blocks},
+            {LoadedAlone(lines.greens[0]) + first, LoadedAlone(lines.greens[1]) + first}};
       },
       BorderBlocks{lines, below_lines, row});
 }
@@ -265,8 +268,7 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
 #endif
   }
   Green(below_lines, below, lines.greens[2]);
-  const ColourRows rows(LoadedAlone(below_lines.raw[0]), LoadedAlone(below_lines.raw[1]),
-                        LoadedAlone(below_lines.raw[2]), lines.greens);
+  const ColourRows rows = LoadedRows(lines, below_lines);
   CoverColumns<kStores>(
       row, lines.adaptive, sink,
       [=, green_first = row.role.green_first](size_t first, size_t, auto starts_green) PRISMO_INLINE {

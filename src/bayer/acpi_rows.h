@@ -39,9 +39,9 @@ using SplitColumns = void (*)(const RowToSplit& row);
 
 // What the greens of row y are computed from.
 struct GreenLines {
-  const int16_t* raw[5];  // samples of rows y - 2 to y + 2
+  const int16_t* raw[4];  // samples of rows y - 2 to y + 1
   bool bilinear;          // the frame's second or second last row: rows y - 2 and y + 2 do not count
-  RowToSplit ahead;       // row y + 2; without columns where it is split already
+  RowToSplit ahead;       // row y + 2; without columns where it is split already, or not there
 };
 
 // Greens of the row's sites. In the frame's two outermost columns on each side they are bilinear. What lies

@@ -114,11 +114,14 @@ struct Greens {
 template <bool kOdd>
 class GreenSource {
  public:
+  static constexpr bool kOddColumns = kOdd;
+
   HWY_INLINE GreenSource(const GreenLines& lines, const BayerRow& row)
       : ahead_(lines.ahead), last_(row.width / 2 - 1), bilinear_(lines.bilinear) {
-    for (size_t i = 0; i < 5; ++i) even_[i] = LoadedAlone(lines.raw[i]);
+    for (size_t i = 0; i < 4; ++i) even_[i] = LoadedAlone(lines.raw[i]);
     ahead_.line = LoadedAlone(ahead_.line);
     ahead_.next_row = LoadedAlone(ahead_.next_row);
+    ahead_.words = LoadedAlone(ahead_.words);
     SplitEnds(ahead_);
   }
 
@@ -152,6 +155,14 @@ class GreenSource {
     return {g, twice};
   }
 
+  // From now on sites are counted from site i on, where only inner ones follow. With pointers that move no index
+  // takes a register from them.
+  HWY_INLINE void MoveTo(ptrdiff_t i) {
+    for (const int16_t*& row : even_) row = LoadedAlone(row + i);
+    ahead_.line = LoadedAlone(ahead_.line + 2 * i);
+    ahead_.words = LoadedAlone(ahead_.words + i);
+  }
+
   HWY_INLINE ColumnRange InnerSites() const {
     return bilinear_ ? ColumnRange{0, 0} : ColumnRange{1, std::min(last_, ahead_.columns.end / 2)};
   }
@@ -162,13 +173,13 @@ class GreenSource {
   HWY_INLINE VSite SplitAhead(ptrdiff_t i, bool edge) const {
     const ptrdiff_t begin = ahead_.columns.begin, end = ahead_.columns.end;
     if (edge && (2 * i < begin || 2 * i + kSplitColumns > end)) {
-      return hn::LoadU(DSite(), even_[4] + (kOdd ? kSplitPitch : 0) + i);
+      return hn::LoadU(DSite(), ahead_.words + (kOdd ? kSplitPitch : 0) + i);
     }
     const Halves halves = SplitBlock(ahead_, 2 * i);
     return kOdd ? halves.odd : halves.even;
   }
 
-  const int16_t* even_[5];
+  const int16_t* even_[4];
   RowToSplit ahead_;
   uint32_t last_;
   bool bilinear_;
@@ -200,29 +211,36 @@ HWY_INLINE void StoreGreens(const Source& source, const BayerRow& row, int16_t* 
 template <class Source>
 class GreensInStep {
  public:
-  // For blocks from site `first` on. The greens of the row's other sites are made now.
-  HWY_INLINE GreensInStep(const Source& source, const BayerRow& row, int16_t* words, ptrdiff_t first,
+  // For blocks of pixels from site `first` on. The greens of the row's other sites are made now.
+  HWY_INLINE GreensInStep(const GreenLines& lines, const BayerRow& row, int16_t* words, ptrdiff_t first,
                           size_t blocks)
-      : source_(source), words_(words) {
-    const ptrdiff_t end = (row.columns.end + 1) / 2, behind = first + static_cast<ptrdiff_t>(blocks) * kSites;
-    const auto [inner_begin, inner_end] = source.InnerSites();
+      : source_(lines, row), words_(words) {
+    const ptrdiff_t begin = first + kFirst, behind = begin + static_cast<ptrdiff_t>(blocks) * kSites;
+    const ptrdiff_t end = (row.columns.end + 1) / 2;
+    const auto [inner_begin, inner_end] = source_.InnerSites();
     for (ptrdiff_t i = row.columns.begin / 2; i < end;) {
-      source.Block(i, i < inner_begin || i + kSites > inner_end).Store(i, words);
+      source_.Block(i, i < inner_begin || i + kSites > inner_end).Store(i, words);
       i += kSites;
-      if (i >= first && i < behind) i = behind;
+      if (i >= begin && i < behind) i = behind;
     }
     if (blocks == 0) return;
-    green_[1] = hn::Set(DSite(), words[first - 1]);
-    difference_[1] = hn::Set(DSite(), words[kSplitPitch + first - 1]);
+    green_[1] = hn::Set(DSite(), words[begin - 1]);
+    difference_[1] = hn::Set(DSite(), words[kSplitPitch + begin - 1]);
+    MoveTo(first);
   }
 
-  // The next block, of sites i to i + kSites - 1.
-  HWY_INLINE void Make(ptrdiff_t i) {
-    const Greens greens = source_.Block(i, false);
-    greens.Store(i, words_);
+  // Those of the next block. Until it is done samples and greens stand at Even() and Words(), from the block's
+  // first column on.
+  HWY_INLINE void Make() {
+    const Greens greens = source_.Block(kFirst, false);
+    greens.Store(kFirst, words_);
     Follow(greens.green, green_);
     Follow(greens.Difference(), difference_);
   }
+  HWY_INLINE void Done() { MoveTo(kSites); }
+
+  HWY_INLINE const int16_t* Even(size_t i) const { return source_.Even(i); }
+  HWY_INLINE const int16_t* Words() const { return words_; }
 
   // Of the sites of the block, or of those one to the west.
   HWY_INLINE VSite Green(bool west) const { return green_[!west]; }
@@ -236,8 +254,16 @@ class GreensInStep {
     v[1] = block;
   }
 
-  const Source source_;
-  int16_t* const words_;
+  HWY_INLINE void MoveTo(ptrdiff_t i) {
+    source_.MoveTo(i);
+    words_ = LoadedAlone(words_ + i);
+  }
+
+  // In a block that begins with a green site, the first other one is needed with its neighbour to the east.
+  static constexpr ptrdiff_t kFirst = Source::kOddColumns ? 0 : 1;
+
+  Source source_;
+  int16_t* words_;
   VSite green_[2], difference_[2];
 };
 #endif
