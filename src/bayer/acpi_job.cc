@@ -71,9 +71,6 @@ class Ring {
     });
   }
 
-  // Of the row whose greens came last, or of one up to two rows above or below.
-  const int16_t* Samples(int32_t dy) const { return samples_.At(dy); }
-
   // Of the row whose greens came last, or of one up to two rows above.
   int16_t* Greens(int32_t dy) const { return greens_.At(dy); }
 
@@ -94,7 +91,7 @@ class Ring {
     const bool second_last = row_ + 2 == images_.frame.height;
     const bool bilinear = row_ == 1 || second_last;
     if (row_ == 1 && !second_last) kernels_.split(ToSplit(2));
-    return {{Samples(-2), Samples(-1), Samples(0), Samples(1)},
+    return {{samples_.At(-2), samples_.At(-1), samples_.At(0), samples_.At(1)},
             bilinear,
             bilinear ? RowToSplit{nullptr, {}, 0, samples_.At(2)} : ToSplit(2)};
   }

@@ -42,21 +42,12 @@ HWY_INLINE V8 Alternate(VSite first, VSite) {
   return hn::TruncateTo(D8(), hn::BitCast(D16(), ClampToByte(first)));
 }
 #elif HWY_ARCH_X86
-HWY_INLINE V8 Pack(VSite first, VSite second) {  // clamps, too
-#if HWY_TARGET <= HWY_AVX3
-  return V8{_mm512_packus_epi16(first.raw, second.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return V8{_mm256_packus_epi16(first.raw, second.raw)};
-#else
-  return V8{_mm_packus_epi16(first.raw, second.raw)};
-#endif
-}
 HWY_INLINE V8 HalvesToPixels(V8 halves) {
   alignas(16) static constexpr uint8_t kIndices[16] = {0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15};
   return hn::TableLookupBytes(halves, hn::LoadDup128(D8(), kIndices));
 }
 HWY_INLINE V8 Alternate(VSite first, VSite second) {
-  const V8 halves = Pack(first, second);
+  const V8 halves = ClampToBytes(first, second);
   return kAnyOrder ? halves : HalvesToPixels(halves);
 }
 #else

@@ -18,8 +18,8 @@ namespace prismo::HWY_NAMESPACE {
 // Green and other sites alternate, so one vector of 16-bit lanes holds all sites of one kind of a block:
 // those of its even bytes or those of its odd ones. With one lane there is nothing to tell apart: each block
 // is one site.
-using DSite = hn::RebindToSigned<D16>;
-using VSite = hn::Vec<DSite>;
+using DSite = DI16;
+using VSite = VI16;
 inline constexpr ptrdiff_t kSites = hn::MaxLanes(DSite());
 
 HWY_INLINE VSite ClampToByte(VSite v) {
@@ -155,8 +155,8 @@ class GreenSource {
     return {g, twice};
   }
 
-  // From now on sites are counted from site i on, where only inner ones follow. With pointers that move no index
-  // takes a register from them.
+  // From now on sites are counted from site i on, where only inner ones follow. With pointers that move no
+  // index takes a register from them.
   HWY_INLINE void MoveTo(ptrdiff_t i) {
     for (const int16_t*& row : even_) row = LoadedAlone(row + i);
     ahead_.line = LoadedAlone(ahead_.line + 2 * i);
@@ -229,8 +229,8 @@ class GreensInStep {
     MoveTo(first);
   }
 
-  // Those of the next block. Until it is done samples and greens stand at Even() and Words(), from the block's
-  // first column on.
+  // Those of the next block. Until it is done samples and greens stand at Even() and Words(), from the
+  // block's first column on.
   HWY_INLINE void Make() {
     const Greens greens = source_.Block(kFirst, false);
     greens.Store(kFirst, words_);

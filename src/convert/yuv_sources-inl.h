@@ -46,11 +46,7 @@ using Yuv444Source = YuvSource<prismo::Source::kYuv444, 0, 2, 1>;
 
 // Everything is 16-bit lanes: a channel is luma plus an offset that depends on chroma alone, clamped to a
 // byte.
-using DI16 = hn::RebindToSigned<D16>;
-using DI32 = hn::RebindToSigned<D32>;
 using DF32 = hn::RebindToFloat<D32>;
-using VI16 = hn::Vec<DI16>;
-using VI32 = hn::Vec<DI32>;
 
 // round(1.772 (U - 128)) = (4 (U - 253) x 29032 >> 16) + 222 and round(1.402 (V - 128)) =
 // (4 (V - 179) x 22971 >> 16) + 72, halves rounded up: origins at which the coefficients' errors never
@@ -85,21 +81,6 @@ HWY_INLINE VI32 GreenOffset(VI32 u_high, VI32 v_high) {
   return VI32{_mm512_cvt_roundps_epi32(sum.raw, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)};
 #else
   return hn::ConvertTo(DI32(), hn::Floor(sum));
-#endif
-}
-
-// The words of two vectors as bytes, clamped to 0 to 255. The 128-bit blocks of the arguments alternate in
-// the result.
-HWY_INLINE V8 ClampToBytes(VI16 even_blocks, VI16 odd_blocks) {
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-  return V8{_mm512_packus_epi16(even_blocks.raw, odd_blocks.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return V8{_mm256_packus_epi16(even_blocks.raw, odd_blocks.raw)};
-#elif HWY_ARCH_X86
-  return V8{_mm_packus_epi16(even_blocks.raw, odd_blocks.raw)};
-#else
-  const hn::Half<D8> half;
-  return hn::Combine(D8(), hn::DemoteTo(half, odd_blocks), hn::DemoteTo(half, even_blocks));
 #endif
 }
 

@@ -29,9 +29,13 @@ using simd::StoreKind;
 using D8 = hn::ScalableTag<uint8_t>;
 using D16 = hn::ScalableTag<uint16_t>;
 using D32 = hn::ScalableTag<uint32_t>;
+using DI16 = hn::RebindToSigned<D16>;
+using DI32 = hn::RebindToSigned<D32>;
 using V8 = hn::Vec<D8>;
 using V16 = hn::Vec<D16>;
 using V32 = hn::Vec<D32>;
+using VI16 = hn::Vec<DI16>;
+using VI32 = hn::Vec<DI32>;
 inline constexpr size_t kLanes = HWY_MAX_BYTES == 1 ? 1 : hn::MaxLanes(D8());
 
 // One byte of each 16-bit lane, in order.
@@ -61,6 +65,21 @@ HWY_INLINE V8 HighBytes(V16 low, V16 high) {
   return hn::ConcatOdd(D8(), hn::BitCast(D8(), high), hn::BitCast(D8(), low));
 }
 #endif
+
+// The words of two vectors as bytes, clamped to 0 to 255. The 128-bit blocks of the arguments alternate in
+// the result.
+HWY_INLINE V8 ClampToBytes(VI16 even_blocks, VI16 odd_blocks) {
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  return V8{_mm512_packus_epi16(even_blocks.raw, odd_blocks.raw)};
+#elif HWY_TARGET == HWY_AVX2
+  return V8{_mm256_packus_epi16(even_blocks.raw, odd_blocks.raw)};
+#elif HWY_ARCH_X86
+  return V8{_mm_packus_epi16(even_blocks.raw, odd_blocks.raw)};
+#else
+  const hn::Half<D8> half;
+  return hn::Combine(D8(), hn::DemoteTo(half, odd_blocks), hn::DemoteTo(half, even_blocks));
+#endif
+}
 #endif
 
 // A pointer or number that is loaded alone. Compilers like to load neighbours as one vector; where they were

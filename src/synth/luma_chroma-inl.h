@@ -33,12 +33,8 @@ constexpr double ChromaVOf(double b, double g, double r) {
 
 #if HWY_TARGET != HWY_SCALAR
 
-using DI16 = hn::RebindToSigned<D16>;
-using DI32 = hn::RebindToSigned<D32>;
 using DF32 = hn::RebindToFloat<D32>;
 using DF64 = hn::Repartition<double, D32>;
-using VI16 = hn::Vec<DI16>;
-using VI32 = hn::Vec<DI32>;
 using MI32 = hn::Mask<DI32>;
 
 // Pixels are 32-bit lanes of bytes B G R x. Sums of pixels are 32-bit lanes of two vectors of words: blue and
@@ -311,16 +307,7 @@ HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
     return hn::And(hn::ReorderDemote2To(d16, QuotientWords(a), QuotientWords(b)), byte);
   };
   const VI16 low = words(v[0], v[1]), high = words(v[2], v[3]);
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-  const V8 packed{_mm512_packus_epi16(low.raw, high.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  const V8 packed{_mm256_packus_epi16(low.raw, high.raw)};
-#elif HWY_ARCH_X86
-  const V8 packed{_mm_packus_epi16(low.raw, high.raw)};
-#else
-  const hn::Half<D8> half;
-  const V8 packed = hn::Combine(D8(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
-#endif
+  const V8 packed = ClampToBytes(low, high);
   return kPacking == Packing::kBlocks ? packed : InOrder<4>(packed);
 }
 
