@@ -6,11 +6,14 @@
 
 #include "mp/steps.h"
 #include "platform/process.h"
+#include "platform/processors.h"
+#include "platform/tick_counter.h"
 
 namespace prismo::mp {
 namespace {
 
 constexpr uint32_t kWakeBoundMs = 10'000;
+constexpr uint64_t kLongRoundsPerSecond = 10'000;  // of looking for work and doing it: 100 microseconds
 
 uint32_t Bits(int32_t value) { return static_cast<uint32_t>(value); }
 
@@ -132,6 +135,7 @@ void MPManager::WakeThreads(Caller caller) {
   // puts two threads on another, and again each time (measured on two processors: in 37 of 136 rows of the
   // benchmark two threads were as slow as one).
   if (caller == Caller::kWaits) {
+    caller_processor_.store(platform::CurrentProcessor(), std::memory_order_relaxed);
     slots_[0].wake.SetAndYieldTo(slots_[0].thread_id.load(std::memory_order_relaxed));
   } else {
     slots_[0].wake.Set();
@@ -301,8 +305,13 @@ void MPManager::ThreadExec(ThreadSlot& slot) {
   int32_t applied = 0;
   ApplyPriority(own, applied);
   slot.wake.Set();  // works may have been waiting before this thread was there
-  while (!slot.terminate) {
-    slot.wake.Wait(kWakeBoundMs);
+  const uint64_t long_round = platform::TickFrequency() / kLongRoundsPerSecond;
+  for (uint64_t last_round = platform::TickCount(); !slot.terminate;) {
+    const uint64_t now = platform::TickCount();
+    const bool was_long = now - last_round >= long_round;
+    last_round = now;
+    slot.wake.Wait(kWakeBoundMs, was_long ? HowToWait(slot) : platform::Event::Waiting::kLooksFirst);
+    slot.processor.store(platform::CurrentProcessor(), std::memory_order_relaxed);
     // A Set after this Reset leads to another round, so nothing is missed by looking only now.
     slot.wake.Reset();
     Passing(Step::kAwake);
@@ -310,7 +319,26 @@ void MPManager::ThreadExec(ThreadSlot& slot) {
     ApplyPriority(own, applied);
   }
   slot.thread_id.store(0, std::memory_order_relaxed);
+  slot.processor.store(-1, std::memory_order_relaxed);
   Record(LogFunction::kManagerThreadExec, LogKind::kFinished, LogLevel::kInfo);
+}
+
+// Threads that look for work by turns on one processor never sleep while works follow each other closely, so
+// the system does not move them: one works, the others look on (measured on two processors: one pool in 10
+// was as slow as one thread, for seconds). Whoever shares a processor therefore sleeps, unless works are so
+// short that to be woken costs more. The first thread is to share the caller's.
+platform::Event::Waiting MPManager::HowToWait(ThreadSlot& slot) const {
+  using enum platform::Event::Waiting;
+  const int32_t here = platform::CurrentProcessor();
+  slot.processor.store(here, std::memory_order_relaxed);
+  if (here < 0) return kLooksFirst;
+  if (slot.index > 0 && caller_processor_.load(std::memory_order_relaxed) == here) return kSleeps;
+  const int32_t threads = CurrentThreads();
+  for (int32_t index = 0; index < threads; ++index) {
+    const ThreadSlot& other = slots_[static_cast<size_t>(index)];
+    if (index != slot.index && other.processor.load(std::memory_order_relaxed) == here) return kSleeps;
+  }
+  return kLooksFirst;
 }
 
 void MPManager::ApplyPriority(platform::ThreadPriority& own, int32_t& applied) {

@@ -78,6 +78,7 @@ class MPManager : public Counted<MPManager> {
     platform::Event wake;
     std::atomic<bool> terminate{false};
     std::atomic<uint32_t> thread_id{0};  // while the thread runs
+    std::atomic<int32_t> processor{-1};  // that the thread was last seen on
     platform::Thread thread;
   };
 
@@ -97,6 +98,7 @@ class MPManager : public Counted<MPManager> {
   void WakeThreads(Caller caller);
 
   void ThreadExec(ThreadSlot& slot);
+  platform::Event::Waiting HowToWait(ThreadSlot& slot) const;
   void ApplyPriority(platform::ThreadPriority& own, int32_t& applied);
   void ExecFunc(ThreadSlot& slot);
   void RunCallback(Work& work, ThreadSlot& slot, LogBatch& log);
@@ -118,6 +120,7 @@ class MPManager : public Counted<MPManager> {
   std::atomic<int32_t> thread_priority_{0};
   std::atomic<uint32_t> timeout_ms_{1000};
   std::atomic<bool> terminated_{false};
+  std::atomic<int32_t> caller_processor_{-1};  // of the last caller who waits
 
   platform::CriticalSection
       threads_lock_;  // guards the threads in the slots, and the counts against each other

@@ -10,6 +10,11 @@ inline constexpr uint32_t kForever = 0xFFFFFFFF;
 
 class Event {
  public:
+  // How a thread waits: to be woken costs as much as a small frame, so it looks for some microseconds before
+  // it sleeps. One that may have to go to another processor sleeps at once: the system moves those that it
+  // wakes.
+  enum class Waiting : uint8_t { kLooksFirst, kSleeps };
+
 #ifdef _WIN32
   Event();  // throws std::bad_alloc
   ~Event();
@@ -28,9 +33,8 @@ class Event {
 
   bool IsSet() const noexcept { return state_.load(std::memory_order_acquire) == kSignalled; }
 
-  // False when the time has passed. 0 only looks. Looks for some microseconds before it puts the thread to
-  // sleep, because to be woken costs as much as a small frame.
-  bool Wait(uint32_t timeout_ms) noexcept;
+  // False when the time has passed. 0 only looks.
+  bool Wait(uint32_t timeout_ms, Waiting waiting = Waiting::kLooksFirst) noexcept;
 
  private:
   static constexpr uint32_t kClear = 0;

@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <pthread.h>
+#include <sched.h>
 #include <sys/resource.h>
 
 #include <atomic>
@@ -19,16 +20,24 @@ namespace {
 
 std::atomic<int32_t> threads_allowed{INT_MAX};
 
-// By their name, since sanitizers have threads of their own.
-int32_t NamedWorkers() {
-  int32_t workers = 0;
+// Calls use(folder) with what the system says of each worker. By their name, since sanitizers have threads of
+// their own.
+template <class Use>
+void ForEachWorker(const Use& use) {
   for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
     std::ifstream file(task.path() / "comm");
     std::string name;
-    workers += std::getline(file, name) && name == "PrismoUtl";
+    if (std::getline(file, name) && name == "PrismoUtl") use(task.path());
   }
+}
+
+int32_t NamedWorkers() {
+  int32_t workers = 0;
+  ForEachWorker([&](const std::filesystem::path&) { ++workers; });
   return workers;
 }
+
+cpu_set_t before_one_processor;
 
 }  // namespace
 
@@ -45,6 +54,27 @@ int32_t NiceOfThread(uint32_t thread_id) {
 std::chrono::milliseconds ProcessorTime() {
   return std::chrono::milliseconds(std::clock() / (CLOCKS_PER_SEC / 1000));
 }
+
+int64_t SleepsOfWorkers() {
+  int64_t sleeps = 0;
+  ForEachWorker([&](const std::filesystem::path& folder) {
+    std::ifstream file(folder / "status");
+    for (std::string word; file >> word;) {
+      int64_t count = 0;
+      if (word == "voluntary_ctxt_switches:" && file >> count) sleeps += count;
+    }
+  });
+  return sleeps;
+}
+
+OneProcessor::OneProcessor() {
+  sched_getaffinity(0, sizeof(before_one_processor), &before_one_processor);
+  cpu_set_t one;
+  CPU_ZERO(&one);
+  CPU_SET(static_cast<size_t>(sched_getcpu()), &one);
+  sched_setaffinity(0, sizeof(one), &one);
+}
+OneProcessor::~OneProcessor() { sched_setaffinity(0, sizeof(before_one_processor), &before_one_processor); }
 
 ThreadLimit::ThreadLimit(int32_t threads) { threads_allowed = threads; }
 ThreadLimit::~ThreadLimit() { threads_allowed = INT_MAX; }

@@ -18,6 +18,16 @@ int32_t NiceOfThread(uint32_t thread_id);
 // What all threads of this process have spent on processors.
 std::chrono::milliseconds ProcessorTime();
 
+// How often worker threads have gone to sleep; below 0 where the system does not tell.
+int64_t SleepsOfWorkers();
+
+// While it exists, this thread and those that it makes have but one processor, where threads inherit that.
+class OneProcessor {
+ public:
+  OneProcessor();
+  ~OneProcessor();
+};
+
 // While it exists, only this many more threads can be made.
 class ThreadLimit {
  public:

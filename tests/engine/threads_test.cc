@@ -129,5 +129,24 @@ TEST(Threads, SleepWithoutBurningTime) {
   EXPECT_LT((ProcessorTime() - before).count(), 20);
 }
 
+// Threads that are always awake are not moved to another processor.
+TEST(Threads, SleepBetweenLongWorksIfTheyShareAProcessor) {
+  if (SleepsOfWorkers() < 0) GTEST_SKIP() << "this system does not count how often threads sleep";
+  constexpr int32_t kWorks = 100;
+  const Body body = [](MPWork* work) {
+    ForEachBlock(work, [](int32_t, int32_t) {
+      const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(100);
+      while (std::chrono::steady_clock::now() < end) {
+      }
+    });
+  };
+  const OneProcessor one;
+  TestPool pool(2);
+  pool.Exec(body, 16);
+  const int64_t before = SleepsOfWorkers();
+  for (int32_t i = 0; i < kWorks; ++i) EXPECT_EQ(pool.Exec(body, 16), 0u);
+  EXPECT_GE(SleepsOfWorkers() - before, kWorks * 3 / 4);
+}
+
 }  // namespace
 }  // namespace prismo::mp

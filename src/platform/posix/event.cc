@@ -65,13 +65,13 @@ void Event::Reset() noexcept {
   state_.compare_exchange_strong(state, kClear, std::memory_order_acq_rel);
 }
 
-bool Event::Wait(uint32_t timeout_ms) noexcept {
+bool Event::Wait(uint32_t timeout_ms, Waiting waiting) noexcept {
   if (IsSet()) return true;
   if (timeout_ms == 0) return false;
   const Clock::time_point start = Clock::now();
 
   // Whoever is to set the event may be waiting for this very processor, so every look offers it.
-  while (CanSpin() && Clock::now() - start < kSpinTime) {
+  while (waiting == Waiting::kLooksFirst && CanSpin() && Clock::now() - start < kSpinTime) {
     std::this_thread::yield();
     if (IsSet()) return true;
   }

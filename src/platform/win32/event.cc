@@ -35,13 +35,13 @@ void Event::Reset() noexcept {
   state_.exchange(kClear, std::memory_order_acq_rel);
 }
 
-bool Event::Wait(uint32_t timeout_ms) noexcept {
+bool Event::Wait(uint32_t timeout_ms, Waiting waiting) noexcept {
   if (IsSet()) return true;
   if (timeout_ms == 0) return false;
 
   // Whoever is to set the event may be waiting for this very processor, so it is offered with every look.
   static const uint64_t spin = static_cast<uint64_t>(TickFrequency() / kSpinsPerSecond);
-  if (CanSpin()) {
+  if (waiting == Waiting::kLooksFirst && CanSpin()) {
     const uint64_t start = TickCount();
     do {
       SwitchToThread();

@@ -12,4 +12,6 @@ int32_t ProcessorCount() noexcept {
   return std::max(1, static_cast<int32_t>(system.dwNumberOfProcessors));
 }
 
+int32_t CurrentProcessor() noexcept { return static_cast<int32_t>(GetCurrentProcessorNumber()); }
+
 }  // namespace prismo::platform

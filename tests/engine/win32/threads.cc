@@ -42,4 +42,9 @@ std::chrono::milliseconds ProcessorTime() {
   return std::chrono::milliseconds((units(kernel) + units(user)) / 10'000);
 }
 
+int64_t SleepsOfWorkers() { return -1; }
+
+OneProcessor::OneProcessor() = default;
+OneProcessor::~OneProcessor() = default;
+
 }  // namespace prismo::mp
