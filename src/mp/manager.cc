@@ -325,8 +325,8 @@ void MPManager::ThreadExec(ThreadSlot& slot) {
 
 // Threads that look for work by turns on one processor never sleep while works follow each other closely, so
 // the system does not move them: one works, the others look on (measured on two processors: one pool in 10
-// was as slow as one thread, for seconds). Whoever shares a processor therefore sleeps, unless works are so
-// short that to be woken costs more. The first thread is to share the caller's.
+// was as slow as one thread, call after call). Whoever shares a processor therefore sleeps, unless works are
+// so short that to be woken costs more. The first thread is to share the caller's.
 platform::Event::Waiting MPManager::HowToWait(ThreadSlot& slot) const {
   using enum platform::Event::Waiting;
   const int32_t here = platform::CurrentProcessor();
