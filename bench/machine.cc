@@ -1,13 +1,13 @@
 #include "machine.h"
 
 #include <sys/utsname.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <thread>
 
 #include "memory_limit.h"
+#include "platform/cpu_caches.h"
 
 namespace prismo::bench {
 namespace {
@@ -23,8 +23,8 @@ std::string ProcessorName() {
   return system.machine;
 }
 
-std::string Bytes(long bytes) {
-  if (bytes <= 0) return "unknown";
+std::string Bytes(size_t bytes) {
+  if (bytes == 0) return "unknown";
   return bytes < 1 << 20 ? std::to_string(bytes >> 10) + " KB" : std::to_string(bytes >> 20) + " MB";
 }
 
@@ -43,8 +43,8 @@ std::vector<std::string> DescribeMachine() {
   return {
       "processor: " + ProcessorName() + ", " + std::to_string(std::thread::hardware_concurrency()) +
           " threads" + (IsVirtual() ? ", in a virtual machine" : ""),
-      "caches: L1 " + Bytes(sysconf(_SC_LEVEL1_DCACHE_SIZE)) + ", L2 " +
-          Bytes(sysconf(_SC_LEVEL2_CACHE_SIZE)) + ", L3 " + Bytes(sysconf(_SC_LEVEL3_CACHE_SIZE)),
+      "caches: L1 " + Bytes(platform::CacheBytes(1)) + ", L2 " + Bytes(platform::CacheBytes(2)) + ", L3 " +
+          Bytes(platform::CacheBytes(3)),
       "instruction set: " +
           (limit ? "at most " + std::string(limit) + " (PRISMO_SIMD), the limits use "
                  : "the processor's best, ") +
