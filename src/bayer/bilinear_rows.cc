@@ -222,7 +222,7 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
   // In the top and bottom row every block is one of the border.
   const ColumnRange inner_columns =
       info.edge ? ColumnRange{row.width, row.width} : ColumnRange{1, row.width - 1};
-  CoverRow<kStores, kStores == StoreKind::kStreaming ? 2 : 3>(
+  CoverRow<kStores>(
       lines, row, inner_columns, sink,
       [arithmetic](const T* const(&at)[3], bool starts_green, V8& row_colour, V8& green, V8& other_colour)
           PRISMO_INLINE { Block(arithmetic, at, starts_green, nullptr, row_colour, green, other_colour); },

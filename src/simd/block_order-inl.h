@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "simd/targets.h"
 #include "simd/vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -17,9 +18,9 @@ namespace prismo::HWY_NAMESPACE {
 // How far ahead of one place to read: the processor's own prefetch falls behind beside streaming stores.
 inline constexpr size_t kPrefetchBytes = 4096;
 
-// Calls block(i, ahead) for i = 0 to blocks - 1, at several places of the run by turns: memory gives a
-// processor more when it asks for several pages at once (0.7 of the time where most is read, 0.9 to 0.98
-// where most is written). `ahead` is how many bytes further on to fetch: of the same place, or, in rows, of
+// Calls block(i, ahead) for i = 0 to blocks - 1, where that pays at several places of the run by turns (0.7 of
+// the time where most is read, 0.9 to 0.98 where most is written; on other processors up to 1.4, see
+// StreamsAtSeveralPlaces). `ahead` is how many bytes further on to fetch: of the same place, or, in rows, of
 // the next row. What is left, and rows that are too short or of which little is read, go in order, and fetch
 // ahead_in_order.
 template <size_t kInBytes, size_t kOutBytes, class Block>
@@ -29,8 +30,9 @@ HWY_INLINE void AtSeveralPlaces(size_t blocks, const Block& block, size_t ahead_
   constexpr size_t kMinApart = 4 * kInBytes >= 3 * kOutBytes ? 3072 / kInBytes : kMaxApart;
   static_assert(kMinApart > 0 && kMinApart <= kMaxApart);
   constexpr size_t kAhead = kPrefetchBytes / 2;
+  const bool several = simd::StreamsAtSeveralPlaces();
   size_t done = 0;
-  while (blocks - done >= kPlaces * kMinApart) {
+  while (several && blocks - done >= kPlaces * kMinApart) {
     // Odd: places that are whole pages apart share sets of the near cache.
     const size_t apart = (std::min((blocks - done) / kPlaces, kMaxApart) - 1) | 1;
     const size_t ahead = apart < kMaxApart ? kPlaces * apart * kInBytes : kAhead;

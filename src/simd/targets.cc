@@ -75,17 +75,24 @@ Target Best() {
 constexpr uint8_t kUndecided = 0xFF;
 constinit std::atomic<uint8_t> current_target{kUndecided};
 constinit std::atomic<uint8_t> forced_store_kind{kUndecided};
+constinit std::atomic<uint8_t> forced_places{kUndecided};
 
-// Beyond this working set a streaming store beats a plain one, which first reads what it overwrites. A cache
-// of a whole server socket is shared with strangers and its far slices are no faster than memory: an eighth
-// of it is all that most conversions can count on (measured on a 105 MB cache, where streaming stores win
-// from about 12 MB on; caches of up to 48 MB keep their whole size).
+// Beyond its share of the cache a streaming store beats a plain one, which first reads what it overwrites. A
+// cache of a whole server socket is shared with strangers and its far slices are no faster than memory: an
+// eighth of it is all that most conversions can count on (measured on a 105 MB cache, where streaming stores
+// win from about 12 MB on). Of caches of up to 48 MB it is four fifths (measured on 32 MB: from 25 to 30 MB
+// on, as the neighbours are loud or quiet).
 struct CacheForConversions {
   size_t bytes = platform::LastLevelCacheBytes();
   bool socket_wide = bytes > size_t{48} << 20;
 
-  size_t Share(size_t reach) const { return socket_wide ? bytes / 8 * reach : bytes; }
+  size_t Share(size_t reach) const { return socket_wide ? bytes / 8 * reach : bytes / 5 * 4; }
 };
+
+const CacheForConversions& Cache() {
+  static const CacheForConversions cache;
+  return cache;
+}
 
 }  // namespace
 
@@ -111,8 +118,7 @@ void SetTarget(Target target) {
 StoreKind StoreKindFor(size_t working_set_bytes, size_t reach) {
   const uint8_t forced = forced_store_kind.load(std::memory_order_relaxed);
   if (forced != kUndecided) return static_cast<StoreKind>(forced);
-  static const CacheForConversions cache;
-  return working_set_bytes > cache.Share(reach) ? StoreKind::kStreaming : StoreKind::kCached;
+  return working_set_bytes > Cache().Share(reach) ? StoreKind::kStreaming : StoreKind::kCached;
 }
 
 void FinishStores(StoreKind kind) {
@@ -121,6 +127,15 @@ void FinishStores(StoreKind kind) {
 
 void SetStoreKind(std::optional<StoreKind> kind) {
   forced_store_kind.store(kind ? static_cast<uint8_t>(*kind) : kUndecided, std::memory_order_relaxed);
+}
+
+bool StreamsAtSeveralPlaces() {
+  const uint8_t forced = forced_places.load(std::memory_order_relaxed);
+  return forced != kUndecided ? forced != 0 : Cache().socket_wide;
+}
+
+void SetSeveralPlaces(std::optional<bool> several) {
+  forced_places.store(several ? static_cast<uint8_t>(*several) : kUndecided, std::memory_order_relaxed);
 }
 
 }  // namespace prismo::simd

@@ -38,6 +38,14 @@ void FinishStores(StoreKind kind);
 // For tests and benchmarks: forces one kind, or returns to the choice by working set.
 void SetStoreKind(std::optional<StoreKind> kind);
 
+// Whether streamed runs are read and written at several places by turns. Where one cache serves a whole server
+// socket, memory gives a processor more when it asks for several pages at once; elsewhere one place is as fast
+// or faster.
+bool StreamsAtSeveralPlaces();
+
+// For tests: forces one order, or returns to the processor's.
+void SetSeveralPlaces(std::optional<bool> several);
+
 // One table of kernels per target; a null entry is a target that is not compiled in.
 template <class Kernels>
 struct TargetTables {

@@ -263,6 +263,7 @@ class FuzzConversion {
     const uint32_t status = expected_of(expected_dst, content.data());
 
     const simd::Target target_before = simd::CurrentTarget();
+    simd::SetSeveralPlaces(true);
     for (const simd::Target target : simd::SupportedTargets()) {
       simd::SetTarget(target);
       simd::SetStoreKind(place_++ % 2 ? simd::StoreKind::kStreaming : simd::StoreKind::kCached);
@@ -284,6 +285,7 @@ class FuzzConversion {
     }
     simd::SetTarget(target_before);
     simd::SetStoreKind(std::nullopt);
+    simd::SetSeveralPlaces(std::nullopt);
   }
 
   void Compare(const std::vector<uint8_t>& content, size_t sample_bytes, size_t dst_bytes,

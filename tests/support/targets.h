@@ -15,6 +15,7 @@ class ScopedTarget {
   ~ScopedTarget() {
     simd::SetTarget(target_);
     simd::SetStoreKind(std::nullopt);
+    simd::SetSeveralPlaces(std::nullopt);
   }
   ScopedTarget(const ScopedTarget&) = delete;
   ScopedTarget& operator=(const ScopedTarget&) = delete;
@@ -27,6 +28,7 @@ class ScopedTarget {
 template <class Check>
 void ForEachTarget(Check&& check) {
   const ScopedTarget restore;
+  simd::SetSeveralPlaces(true);  // what is left of a run goes in order, so that both are covered
   for (const simd::Target target : simd::SupportedTargets()) {
     simd::SetTarget(target);
     ASSERT_EQ(simd::CurrentTarget(), target);
