@@ -104,7 +104,9 @@ HWY_INLINE void ReadAhead(const T* from) {
 //   border(x, starts_green, row_colour, green, other_colour)
 //     computes any other block, from column x on; called after the inner ones
 // A block is the colour of the row's sites that are not green, green, and the colour of the rows between.
-template <StoreKind kStores, class Sink, class Inner, class Border>
+// kAnyColumn tells that inner blocks may begin and end anywhere where memory can be read, and that they may
+// overlap.
+template <StoreKind kStores, bool kAnyColumn = false, class Sink, class Inner, class Border>
 HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, const Sink& sink,
                              const Inner& inner, const Border& border) {
   const size_t begin = row.columns.begin;
@@ -139,13 +141,16 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
     stream_end = stream_begin + (end - stream_begin) / kWholeLines * kWholeLines;
     if (Sink::kPixelBytes * (end - stream_begin) % kCacheLine != 0) sink.PrepareStore(end - 1);
   }
-  const size_t inner_from = std::max<size_t>(inner_columns.begin, kReadBefore);
-  const size_t inner_to =
-      std::min<size_t>({inner_columns.end, row.width - std::min<size_t>(row.width, kReadAfter), stream_end});
+  const bool readable = kAnyColumn && row.inside;
+  const size_t inner_from = std::max<size_t>(inner_columns.begin, readable ? 0 : kReadBefore);
+  const size_t inner_to = std::min<size_t>(
+      {inner_columns.end, row.width - std::min<size_t>(row.width, readable ? 0 : kReadAfter), stream_end});
   constexpr size_t kTogether = kBlocksTogether<Sink, kStores>, kPixelsTogether = kTogether * kLanes;
   size_t x = stream_begin;
   if (x < inner_from) x += (inner_from - x + kPixelsTogether - 1) / kPixelsTogether * kPixelsTogether;
   const size_t blocks = (std::max(inner_to, x) - x) / kLanes;
+  const bool last_is_inner = kAnyColumn && kStores == StoreKind::kCached && kLanes > 1 && blocks > 0 &&
+                             end <= inner_to && (end - x) % 2 == 0;
   const Sink inner_sink = sink;  // a copy: `some` takes the address of the original, which keeps it in memory
   // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
   const auto inner_blocks = [&](auto starts_green) PRISMO_INLINE {
@@ -176,6 +181,11 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
         }
       }
       for (; i < blocks; ++i) one(compute, i);
+      if (last_is_inner && x + blocks * kLanes < end) {
+        V8 row_colour, green, other_colour;
+        inner(end - kLanes, 1, starts_green)(0, row_colour, green, other_colour);
+        store(inner_sink, end - kLanes, row_colour, green, other_colour);
+      }
     }
   };
   if (StartsGreen(row.role, x)) {
@@ -192,7 +202,7 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
   for (; x < inner_begin && x + kLanes <= stream_end; x += kLanes) whole(x);
   x += blocks * kLanes;
   for (; x + kLanes <= end; x += kLanes) whole(x);
-  if (x == end) return;
+  if (x == end || last_is_inner) return;
   if constexpr (kStores == StoreKind::kStreaming) {
     some(x, end - x);
   } else {
@@ -212,7 +222,7 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], const BayerRow& row, C
     const T* from[kLines];
   } inner_lines;
   for (size_t i = 0; i < kLines; ++i) inner_lines.from[i] = LoadedAlone(lines[i]);
-  CoverColumns<kStores>(
+  CoverColumns<kStores, true>(
       row, inner_columns, sink,
       [=](size_t first, size_t, auto starts_green) PRISMO_INLINE {
         return [=](size_t block, V8& row_colour, V8& green, V8& other_colour) PRISMO_INLINE {

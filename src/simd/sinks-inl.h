@@ -216,6 +216,14 @@ struct PackedSink {
     std::memcpy(to + done, block + done, end - done);
   }
 
+  HWY_INLINE void StorePixel(size_t x, uint8_t b, uint8_t g, uint8_t r) const {
+    uint8_t* const to = At(x);
+    to[0] = b;
+    to[1] = g;
+    to[2] = r;
+    if constexpr (kBytes == 4) to[3] = 255;
+  }
+
   HWY_INLINE size_t PixelsToLine(size_t x) const { return HWY_NAMESPACE::PixelsToLine(At(x), kBytes); }
 
   // Fetches the line of pixel x for a plain store to come: a store that misses would hold up those behind it.
@@ -290,6 +298,12 @@ struct PlanarSink {
     hn::Store(g, D8(), block[1]);
     hn::Store(r, D8(), block[2]);
     for (size_t i = 0; i < 3; ++i) std::memcpy(plane[i] + x - first, block[i], count);
+  }
+
+  HWY_INLINE void StorePixel(size_t x, uint8_t b, uint8_t g, uint8_t r) const {
+    plane[0][x - first] = b;
+    plane[1][x - first] = g;
+    plane[2][x - first] = r;
   }
 
   // Only planes that are equally misaligned can all be aligned.
