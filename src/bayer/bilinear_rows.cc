@@ -57,7 +57,8 @@ struct Words {
   HWY_INLINE Pair MakePair(V a, V b) const { return hn::Add(a, b); }
   HWY_INLINE V Average1(V v) const { return hn::Mul(v, factor1); }
   HWY_INLINE V Average2(Pair p) const { return hn::Mul(p, factor2); }
-  HWY_INLINE V Average4(Pair p, Pair q) const { return hn::Mul(hn::Add(p, q), factor4); }
+  HWY_INLINE V Average4(Pair p, Pair q) const { return Average4(hn::Add(p, q)); }
+  HWY_INLINE V Average4(V sum) const { return hn::Mul(sum, factor4); }
 };
 
 // Words with sums of 32 bits. Each shift count is taken modulo 32 by itself.
@@ -222,6 +223,89 @@ void StoreAtEdge(const T* const (&lines)[3], size_t x, size_t inside, const RowR
   }
 }
 
+#undef PRISMO_WORDS_IN_A_ROW
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#define PRISMO_WORDS_IN_A_ROW 1
+#else
+#define PRISMO_WORDS_IN_A_ROW 0
+#endif
+#if PRISMO_WORDS_IN_A_ROW
+
+// A vector of words of a row between those before and behind it.
+struct ThreeVectors {
+  V16 before, here, behind;
+
+  HWY_INLINE void Next(V16 next) {
+    before = here;
+    here = behind;
+    behind = next;
+  }
+  // Sums of words that are two apart, in the high half of each pair of words and in the low half.
+  HWY_INLINE V16 SumsOfHigh() const {
+    return hn::Add(V16{_mm512_alignr_epi32(here.raw, before.raw, 15)}, here);
+  }
+  HWY_INLINE V16 SumsOfLow() const {
+    return hn::Add(here, V16{_mm512_alignr_epi32(behind.raw, here.raw, 1)});
+  }
+};
+
+// Blocks of words inside the frame, one after the other: each sample is loaded once instead of three times, as
+// loads that cross lines of memory hold up those that wait for streaming stores.
+template <bool kStartsGreen>
+class WordsInARow {
+ public:
+  static constexpr size_t kVector = kLanes / 2;
+  // Words of the lines that are read before the first and behind the last column.
+  static constexpr size_t kReach = kVector;
+
+  HWY_INLINE WordsInARow(const Words& arithmetic, const uint16_t* up, const uint16_t* mid, const uint16_t* down)
+      : arithmetic_(arithmetic), up_(up - kVector), mid_(mid - kVector), down_(down - kVector) {
+    for (size_t i = 0; i < 2; ++i) Load();
+  }
+
+  HWY_INLINE void operator()(size_t, V8& row_colour, V8& green, V8& other_colour) {
+    ReadAhead(down_);
+    V16 r0, g0, o0, r1, g1, o1;
+    Interpolate(r0, g0, o0);
+    Interpolate(r1, g1, o1);
+    row_colour = HighBytes(r0, r1);
+    green = HighBytes(g0, g1);
+    other_colour = HighBytes(o0, o1);
+  }
+
+ private:
+  HWY_INLINE void Load() {
+    row_.Next(hn::LoadU(D16(), mid_));
+    columns_.Next(hn::Add(hn::LoadU(D16(), up_), hn::LoadU(D16(), down_)));
+    up_ += kVector;
+    mid_ += kVector;
+    down_ += kVector;
+  }
+
+  HWY_INLINE void Interpolate(V16& row_colour, V16& green, V16& other_colour) {
+    Load();
+    const D16 d;
+    const D32 d32;
+    const V16 high = row_.SumsOfHigh(), low = row_.SumsOfLow();
+    const V16 row_pair{_mm512_shldi_epi32(low.raw, high.raw, 16)};
+    const V16 column_pair = columns_.here;
+    const V16 diagonal = kStartsGreen
+                             ? hn::BitCast(d, hn::ShiftLeft<16>(hn::BitCast(d32, columns_.SumsOfLow())))
+                             : hn::BitCast(d, hn::ShiftRight<16>(hn::BitCast(d32, columns_.SumsOfHigh())));
+    const V16 own = arithmetic_.Average1(row_.here);
+    row_colour = AtGreenSites(d, kStartsGreen, arithmetic_.Average2(row_pair), own);
+    green = AtGreenSites(d, kStartsGreen, own, arithmetic_.Average4(row_pair, column_pair));
+    other_colour =
+        AtGreenSites(d, kStartsGreen, arithmetic_.Average2(column_pair), arithmetic_.Average4(diagonal));
+  }
+
+  const Words arithmetic_;
+  const uint16_t *up_, *mid_, *down_;
+  ThreeVectors row_, columns_;
+};
+
+#endif
+
 template <class Sink>
 HWY_INLINE Sink MakeSink(const RowTarget& target) {
   return {target.plane[0], target.first_column};
@@ -249,15 +333,32 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
   const ColumnRange inner_columns = info.edge     ? ColumnRange{row.width, row.width}
                                     : mends_edges ? ColumnRange{0, row.width}
                                                   : ColumnRange{1, row.width - 1};
-  CoverRow<kStores>(
-      lines, row, inner_columns, sink,
-      [arithmetic](const T* const(&at)[3], bool starts_green, V8& row_colour, V8& green, V8& other_colour)
-          PRISMO_INLINE { Block(arithmetic, at, starts_green, nullptr, row_colour, green, other_colour); },
-      [&](const T* const(&at)[3], size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour)
-          PRISMO_INLINE {
-            const BorderBlock block{info.edge, row.width, x};
-            Block(arithmetic, at, starts_green, &block, row_colour, green, other_colour);
-          });
+  const auto border = [&](const T* const(&at)[3], size_t x, bool starts_green, V8& row_colour, V8& green,
+                          V8& other_colour) PRISMO_INLINE {
+    const BorderBlock block{info.edge, row.width, x};
+    Block(arithmetic, at, starts_green, &block, row_colour, green, other_colour);
+  };
+  const auto cover = [&]() PRISMO_INLINE {
+#if PRISMO_WORDS_IN_A_ROW
+    if constexpr (std::is_same_v<A, Words>) {
+      if (row.inside && row.width >= WordsInARow<true>::kReach) {
+        return CoverColumns<kStores, true>(
+            row, inner_columns, sink,
+            [&](size_t x, size_t, auto starts_green) PRISMO_INLINE {
+              return WordsInARow<decltype(starts_green)::value>(arithmetic, lines[0] + x, lines[1] + x,
+                                                                lines[2] + x);
+            },
+            WindowedBorder<T, 3, decltype(border)>{lines, row, border});
+      }
+    }
+#endif
+    CoverRow<kStores>(
+        lines, row, inner_columns, sink,
+        [arithmetic](const T* const(&at)[3], bool starts_green, V8& row_colour, V8& green, V8& other_colour)
+            PRISMO_INLINE { Block(arithmetic, at, starts_green, nullptr, row_colour, green, other_colour); },
+        border);
+  };
+  cover();
   if (mends_edges) {
     const uint32_t shift = sizeof(T) == 1 ? 0 : info.shift;
     StoreAtEdge(lines, 0, 1, row.role, shift, sink);

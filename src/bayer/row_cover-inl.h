@@ -210,7 +210,22 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
   }
 }
 
-// The same for kernels that compute blocks from lines of the frame:
+// Computes blocks of the border from windows on lines of the frame:
+//   border(lines at x, x, starts_green, row_colour, green, other_colour)
+template <typename T, size_t kLines, class Border>
+struct WindowedBorder {
+  const T* const (&lines)[kLines];
+  const BayerRow& row;
+  const Border& border;
+
+  HWY_INLINE void operator()(size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) const {
+    ReadAhead(lines[kLines - 1] + x);
+    const Window<T, kLines> window(lines, x, row);
+    border(window.line, x, starts_green, row_colour, green, other_colour);
+  }
+};
+
+// CoverColumns for kernels that compute blocks from lines of the frame, wherever they begin:
 //   inner(lines at x, starts_green, row_colour, green, other_colour)
 //   border(lines at x, x, starts_green, row_colour, green, other_colour)
 //     on a window
@@ -235,11 +250,7 @@ HWY_INLINE void CoverRow(const T* const (&lines)[kLines], const BayerRow& row, C
           inner(at_x, starts_green, row_colour, green, other_colour);
         };
       },
-      [&](size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) HWY_ATTR {
-        ReadAhead(lines[kLines - 1] + x);
-        const Window<T, kLines> window(lines, x, row);
-        border(window.line, x, starts_green, row_colour, green, other_colour);
-      });
+      WindowedBorder<T, kLines, Border>{lines, row, border});
 }
 
 }  // namespace prismo::HWY_NAMESPACE
