@@ -265,7 +265,8 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
       [=, green_first = row.role.green_first](size_t first, size_t, auto starts_green) PRISMO_INLINE {
         return [=](size_t block, V8& row_colour, V8& green, V8& other_colour) PRISMO_INLINE {
           const size_t x = first + block * kLanes;
-          if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(x);
+          // Less far ahead than others: the rows under way need the near cache.
+          if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(x, kPrepareBytes / 2);
           const bool odd = starts_green != green_first;
           const ColourWords at =
               kLanes == 1 ? ColourWords(rows, x, odd, 0) : ColourWords(rows, first, odd, block);

@@ -19,12 +19,12 @@ namespace prismo::HWY_NAMESPACE {
 #define PRISMO_OWN_INTERLEAVE 0
 #endif
 
-// Sinks fetch the lines that plain stores will write this much later: where these lie beyond the near caches
-// they come late.
-inline constexpr size_t kPrepareBytes = 1024;
+// Sinks fetch the lines that plain stores will write this much later, unless told otherwise: where these lie
+// beyond the near caches they come late.
+inline constexpr size_t kPrepareBytes = 2048;
 
-HWY_INLINE void PrepareLines(const uint8_t* to, size_t bytes) {
-  for (size_t i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(to + kPrepareBytes + i, 1);
+HWY_INLINE void PrepareLines(const uint8_t* to, size_t bytes, size_t ahead = kPrepareBytes) {
+  for (size_t i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(to + ahead + i, 1);
 }
 
 // Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
@@ -229,8 +229,10 @@ struct PackedSink {
   // Fetches the line of pixel x for a plain store to come: a store that misses would hold up those behind it.
   HWY_INLINE void PrepareStore(size_t x) const { __builtin_prefetch(At(x), 1); }
 
-  // Fetches as much as a block from pixel x on, kPrepareBytes ahead.
-  HWY_INLINE void PrepareBlock(size_t x) const { PrepareLines(At(x), kBytes * kLanes); }
+  // Fetches as much as a block from pixel x on.
+  HWY_INLINE void PrepareBlock(size_t x, size_t ahead = kPrepareBytes) const {
+    PrepareLines(At(x), kBytes * kLanes, ahead);
+  }
 
  private:
   HWY_INLINE uint8_t* At(size_t x) const { return dst + kBytes * (x - first); }
