@@ -57,8 +57,7 @@ struct Words {
   HWY_INLINE Pair MakePair(V a, V b) const { return hn::Add(a, b); }
   HWY_INLINE V Average1(V v) const { return hn::Mul(v, factor1); }
   HWY_INLINE V Average2(Pair p) const { return hn::Mul(p, factor2); }
-  HWY_INLINE V Average4(Pair p, Pair q) const { return Average4(hn::Add(p, q)); }
-  HWY_INLINE V Average4(V sum) const { return hn::Mul(sum, factor4); }
+  HWY_INLINE V Average4(Pair p, Pair q) const { return hn::Mul(hn::Add(p, q), factor4); }
 };
 
 // Words with sums of 32 bits. Each shift count is taken modulo 32 by itself.
@@ -223,87 +222,138 @@ void StoreAtEdge(const T* const (&lines)[3], size_t x, size_t inside, const RowR
   }
 }
 
-#undef PRISMO_WORDS_IN_A_ROW
+#undef PRISMO_BLOCKS_IN_A_ROW
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
-#define PRISMO_WORDS_IN_A_ROW 1
-#else
-#define PRISMO_WORDS_IN_A_ROW 0
-#endif
-#if PRISMO_WORDS_IN_A_ROW
+#define PRISMO_BLOCKS_IN_A_ROW 1
 
-// A vector of words of a row between those before and behind it.
+// A vector of a row between those before and behind it.
+template <class V>
 struct ThreeVectors {
-  V16 before, here, behind;
+  V before, here, behind;
 
-  HWY_INLINE void Next(V16 next) {
+  HWY_INLINE void Next(V next) {
     before = here;
     here = behind;
     behind = next;
   }
-  // Sums of words that are two apart, in the high half of each pair of words and in the low half.
-  HWY_INLINE V16 SumsOfHigh() const {
-    return hn::Add(V16{_mm512_alignr_epi32(here.raw, before.raw, 15)}, here);
+
+  // What stands kBytes further on, or back.
+  template <int kBytes>
+  HWY_INLINE V Ahead() const {
+    const __m512i four = _mm512_alignr_epi32(behind.raw, here.raw, 1);
+    if constexpr (kBytes == 4) return V{four};
+    return V{_mm512_shrdi_epi32(here.raw, four, 8 * kBytes)};
   }
-  HWY_INLINE V16 SumsOfLow() const {
-    return hn::Add(here, V16{_mm512_alignr_epi32(behind.raw, here.raw, 1)});
+  template <int kBytes>
+  HWY_INLINE V Back() const {
+    const __m512i four = _mm512_alignr_epi32(here.raw, before.raw, 15);
+    if constexpr (kBytes == 4) return V{four};
+    return V{_mm512_shldi_epi32(here.raw, four, 8 * kBytes)};
   }
 };
+template <>
+struct ThreeVectors<Bytes::Pair> {
+  ThreeVectors<V8> average, odd_sum;
 
-// Blocks of words inside the frame, one after the other: each sample is loaded once instead of three times, as
-// loads that cross lines of memory hold up those that wait for streaming stores.
-template <bool kStartsGreen>
-class WordsInARow {
+  HWY_INLINE void Next(Bytes::Pair next) {
+    average.Next(next.average);
+    odd_sum.Next(next.odd_sum);
+  }
+  HWY_INLINE Bytes::Pair Here() const { return {average.here, odd_sum.here}; }
+  template <int kBytes>
+  HWY_INLINE Bytes::Pair Ahead() const {
+    return {average.Ahead<kBytes>(), odd_sum.Ahead<kBytes>()};
+  }
+  template <int kBytes>
+  HWY_INLINE Bytes::Pair Back() const {
+    return {average.Back<kBytes>(), odd_sum.Back<kBytes>()};
+  }
+};
+HWY_INLINE V16 Here(const ThreeVectors<V16>& v) { return v.here; }
+HWY_INLINE Bytes::Pair Here(const ThreeVectors<Bytes::Pair>& v) { return v.Here(); }
+
+// Blocks inside the frame, one after the other: each sample is loaded once instead of three times, as most of
+// those loads would cross lines of memory. They cost most beside streaming stores.
+template <class A, bool kStartsGreen>
+class BlocksInARow {
+  using T = typename A::T;
+  using D = typename A::D;
+  using V = typename A::V;
+  using Pair = typename A::Pair;
+  static constexpr size_t kVector = hn::MaxLanes(D());
+
  public:
-  static constexpr size_t kVector = kLanes / 2;
-  // Words of the lines that are read before the first and behind the last column.
+  // Samples of the lines that are read before the first and behind the last column.
   static constexpr size_t kReach = kVector;
 
-  HWY_INLINE WordsInARow(const Words& arithmetic, const uint16_t* up, const uint16_t* mid, const uint16_t* down)
+  HWY_INLINE BlocksInARow(const A& arithmetic, const T* up, const T* mid, const T* down)
       : arithmetic_(arithmetic), up_(up - kVector), mid_(mid - kVector), down_(down - kVector) {
-    for (size_t i = 0; i < 2; ++i) Load();
+    Load(0);
+    Load(1);
+    MoveBy(2);
   }
 
   HWY_INLINE void operator()(size_t, V8& row_colour, V8& green, V8& other_colour) {
     ReadAhead(down_);
-    V16 r0, g0, o0, r1, g1, o1;
-    Interpolate(r0, g0, o0);
-    Interpolate(r1, g1, o1);
-    row_colour = HighBytes(r0, r1);
-    green = HighBytes(g0, g1);
-    other_colour = HighBytes(o0, o1);
+    if constexpr (sizeof(T) == 1) {
+      Load(0);
+      Interpolate(row_colour, green, other_colour);
+      MoveBy(1);
+    } else {
+      V r0, g0, o0, r1, g1, o1;
+      Load(0);
+      Interpolate(r0, g0, o0);
+      Load(1);
+      Interpolate(r1, g1, o1);
+      MoveBy(2);
+      row_colour = HighBytes(r0, r1);
+      green = HighBytes(g0, g1);
+      other_colour = HighBytes(o0, o1);
+    }
   }
 
  private:
-  HWY_INLINE void Load() {
-    row_.Next(hn::LoadU(D16(), mid_));
-    columns_.Next(hn::Add(hn::LoadU(D16(), up_), hn::LoadU(D16(), down_)));
-    up_ += kVector;
-    mid_ += kVector;
-    down_ += kVector;
+  HWY_INLINE void Load(size_t vector) {
+    const auto from = [vector](const T* line)
+                          PRISMO_INLINE { return hn::LoadU(D(), line + vector * kVector); };
+    row_.Next(from(mid_));
+    columns_.Next(arithmetic_.MakePair(from(up_), from(down_)));
+  }
+  HWY_INLINE void MoveBy(size_t vectors) {
+    up_ = LoadedAlone(up_ + vectors * kVector);
+    mid_ = LoadedAlone(mid_ + vectors * kVector);
+    down_ = LoadedAlone(down_ + vectors * kVector);
   }
 
-  HWY_INLINE void Interpolate(V16& row_colour, V16& green, V16& other_colour) {
-    Load();
-    const D16 d;
-    const D32 d32;
-    const V16 high = row_.SumsOfHigh(), low = row_.SumsOfLow();
-    const V16 row_pair{_mm512_shldi_epi32(low.raw, high.raw, 16)};
-    const V16 column_pair = columns_.here;
-    const V16 diagonal = kStartsGreen
-                             ? hn::BitCast(d, hn::ShiftLeft<16>(hn::BitCast(d32, columns_.SumsOfLow())))
-                             : hn::BitCast(d, hn::ShiftRight<16>(hn::BitCast(d32, columns_.SumsOfHigh())));
-    const V16 own = arithmetic_.Average1(row_.here);
+  HWY_INLINE void Interpolate(V& row_colour, V& green, V& other_colour) const {
+    constexpr int kBytes = sizeof(T);
+    const D d;
+    const hn::RepartitionToWide<D> d_two;
+    const Pair row_pair = arithmetic_.MakePair(row_.template Back<kBytes>(), row_.template Ahead<kBytes>());
+    const Pair column_pair = Here(columns_);
+    // At sites that are not green; computed at the green ones before or behind them.
+    V diagonal;
+    if constexpr (kStartsGreen) {
+      diagonal = arithmetic_.Average4(column_pair, columns_.template Ahead<2 * kBytes>());
+      diagonal = hn::BitCast(d, hn::ShiftLeft<8 * kBytes>(hn::BitCast(d_two, diagonal)));
+    } else {
+      diagonal = arithmetic_.Average4(columns_.template Back<2 * kBytes>(), column_pair);
+      diagonal = hn::BitCast(d, hn::ShiftRight<8 * kBytes>(hn::BitCast(d_two, diagonal)));
+    }
+    const V own = arithmetic_.Average1(row_.here);
     row_colour = AtGreenSites(d, kStartsGreen, arithmetic_.Average2(row_pair), own);
     green = AtGreenSites(d, kStartsGreen, own, arithmetic_.Average4(row_pair, column_pair));
-    other_colour =
-        AtGreenSites(d, kStartsGreen, arithmetic_.Average2(column_pair), arithmetic_.Average4(diagonal));
+    other_colour = AtGreenSites(d, kStartsGreen, arithmetic_.Average2(column_pair), diagonal);
   }
 
-  const Words arithmetic_;
-  const uint16_t *up_, *mid_, *down_;
-  ThreeVectors row_, columns_;
+  const A arithmetic_;
+  const T *up_, *mid_, *down_;
+  ThreeVectors<V> row_;
+  ThreeVectors<Pair> columns_;
 };
 
+#else
+#define PRISMO_BLOCKS_IN_A_ROW 0
 #endif
 
 template <class Sink>
@@ -326,10 +376,10 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
   const T* const lines[3] = {static_cast<const T*>(LoadedAlone(info.up)),
                              static_cast<const T*>(LoadedAlone(info.mid)),
                              static_cast<const T*>(LoadedAlone(info.down))};
-  // In the top and bottom row every block is one of the border. Elsewhere two pixels that are stored once more
-  // take less time than two blocks of the border.
-  const bool mends_edges = kStores == StoreKind::kCached && row.inside && row.columns.begin == 0 &&
-                           row.columns.end == row.width;
+  // In the top and bottom row every block is one of the border. Elsewhere two pixels that are stored once
+  // more take less time than two blocks of the border.
+  const bool mends_edges =
+      kStores == StoreKind::kCached && row.inside && row.columns.begin == 0 && row.columns.end == row.width;
   const ColumnRange inner_columns = info.edge     ? ColumnRange{row.width, row.width}
                                     : mends_edges ? ColumnRange{0, row.width}
                                                   : ColumnRange{1, row.width - 1};
@@ -339,14 +389,14 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
     Block(arithmetic, at, starts_green, &block, row_colour, green, other_colour);
   };
   const auto cover = [&]() PRISMO_INLINE {
-#if PRISMO_WORDS_IN_A_ROW
-    if constexpr (std::is_same_v<A, Words>) {
-      if (row.inside && row.width >= WordsInARow<true>::kReach) {
+#if PRISMO_BLOCKS_IN_A_ROW
+    if constexpr (!std::is_same_v<A, WideWords>) {
+      if (row.inside && row.width >= BlocksInARow<A, true>::kReach && simd::CrossingLoadsAreSlow()) {
         return CoverColumns<kStores, true>(
             row, inner_columns, sink,
             [&](size_t x, size_t, auto starts_green) PRISMO_INLINE {
-              return WordsInARow<decltype(starts_green)::value>(arithmetic, lines[0] + x, lines[1] + x,
-                                                                lines[2] + x);
+              return BlocksInARow<A, decltype(starts_green)::value>(arithmetic, lines[0] + x, lines[1] + x,
+                                                                    lines[2] + x);
             },
             WindowedBorder<T, 3, decltype(border)>{lines, row, border});
       }

@@ -18,8 +18,8 @@ namespace prismo::HWY_NAMESPACE {
 // How far ahead of one place to read: the processor's own prefetch falls behind beside streaming stores.
 inline constexpr size_t kPrefetchBytes = 4096;
 
-// Calls block(i, ahead) for i = 0 to blocks - 1, where that pays at several places of the run by turns (0.7 of
-// the time where most is read, 0.9 to 0.98 where most is written; on other processors up to 1.4, see
+// Calls block(i, ahead) for i = 0 to blocks - 1, where that pays at several places of the run by turns (0.7
+// of the time where most is read, 0.9 to 0.98 where most is written; on other processors up to 1.4, see
 // StreamsAtSeveralPlaces). `ahead` is how many bytes further on to fetch: of the same place, or, in rows, of
 // the next row. What is left, and rows that are too short or of which little is read, go in order, and fetch
 // ahead_in_order.

@@ -76,6 +76,11 @@ constexpr uint8_t kUndecided = 0xFF;
 constinit std::atomic<uint8_t> current_target{kUndecided};
 constinit std::atomic<uint8_t> forced_store_kind{kUndecided};
 constinit std::atomic<uint8_t> forced_places{kUndecided};
+constinit std::atomic<uint8_t> forced_crossing{kUndecided};
+
+void Force(std::atomic<uint8_t>& setting, std::optional<bool> value) {
+  setting.store(value ? static_cast<uint8_t>(*value) : kUndecided, std::memory_order_relaxed);
+}
 
 // Beyond its share of the cache a streaming store beats a plain one, which first reads what it overwrites. A
 // cache of a whole server socket is shared with strangers and its far slices are no faster than memory: an
@@ -134,8 +139,18 @@ bool StreamsAtSeveralPlaces() {
   return forced != kUndecided ? forced != 0 : Cache().socket_wide;
 }
 
-void SetSeveralPlaces(std::optional<bool> several) {
-  forced_places.store(several ? static_cast<uint8_t>(*several) : kUndecided, std::memory_order_relaxed);
+bool CrossingLoadsAreSlow() {
+  const uint8_t forced = forced_crossing.load(std::memory_order_relaxed);
+  if (forced != kUndecided) return forced != 0;
+#if defined(__x86_64__)
+  static const bool slow = __builtin_cpu_is("amd") != 0;
+  return slow;
+#else
+  return false;
+#endif
 }
+
+void SetSeveralPlaces(std::optional<bool> several) { Force(forced_places, several); }
+void SetCrossingLoads(std::optional<bool> slow) { Force(forced_crossing, slow); }
 
 }  // namespace prismo::simd

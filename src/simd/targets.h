@@ -38,13 +38,19 @@ void FinishStores(StoreKind kind);
 // For tests and benchmarks: forces one kind, or returns to the choice by working set.
 void SetStoreKind(std::optional<StoreKind> kind);
 
-// Whether streamed runs are read and written at several places by turns. Where one cache serves a whole server
-// socket, memory gives a processor more when it asks for several pages at once; elsewhere one place is as fast
-// or faster.
+// Whether streamed runs are read and written at several places by turns. Where one cache serves a whole
+// server socket, memory gives a processor more when it asks for several pages at once; elsewhere one place is
+// as fast or faster.
 bool StreamsAtSeveralPlaces();
 
-// For tests: forces one order, or returns to the processor's.
+// Whether loads that cross lines of memory cost more than to take neighbours out of registers (measured on
+// two processors with AVX-512: 0.5 to 0.75 of the time where they do, more shuffles than one port can take
+// elsewhere).
+bool CrossingLoadsAreSlow();
+
+// For tests: force the one or the other, or return to what the processor does best.
 void SetSeveralPlaces(std::optional<bool> several);
+void SetCrossingLoads(std::optional<bool> slow);
 
 // One table of kernels per target; a null entry is a target that is not compiled in.
 template <class Kernels>

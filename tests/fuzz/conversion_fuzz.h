@@ -267,6 +267,7 @@ class FuzzConversion {
     for (const simd::Target target : simd::SupportedTargets()) {
       simd::SetTarget(target);
       simd::SetStoreKind(place_++ % 2 ? simd::StoreKind::kStreaming : simd::StoreKind::kCached);
+      simd::SetCrossingLoads(place_ / 2 % 2 != 0);
       const GuardedBuffer src(content, Placement::Nth(place_, sample_bytes));
       std::vector<std::unique_ptr<GuardedBuffer>> buffers;
       Destinations dst;
@@ -286,6 +287,7 @@ class FuzzConversion {
     simd::SetTarget(target_before);
     simd::SetStoreKind(std::nullopt);
     simd::SetSeveralPlaces(std::nullopt);
+    simd::SetCrossingLoads(std::nullopt);
   }
 
   void Compare(const std::vector<uint8_t>& content, size_t sample_bytes, size_t dst_bytes,

@@ -74,7 +74,9 @@ TEST(ForEachTarget, RunsEverySupportedTarget) {
   size_t runs = 0;
   const simd::Target before = simd::CurrentTarget();
   ForEachTarget([&] { ++runs; });
-  EXPECT_EQ(runs, 2 * simd::SupportedTargets().size());
+  size_t expected = 0;
+  for (const simd::Target target : simd::SupportedTargets()) expected += 2 * CrossingLoadsOf(target).size();
+  EXPECT_EQ(runs, expected);
   EXPECT_EQ(simd::CurrentTarget(), before);
   // Where every processor has NEON, the portable form is compiled on request only.
   const simd::Target least = simd::SupportedTargets().front();

@@ -1,8 +1,10 @@
-// Runs a check on every instruction set and with both kinds of store. For programs that link the library's
-// objects.
+// Runs a check on every instruction set, with both kinds of store and with what else depends on the
+// processor. For programs that link the library's objects.
 #pragma once
 
 #include <gtest/gtest.h>
+
+#include <vector>
 
 #include "simd/targets.h"
 
@@ -16,6 +18,7 @@ class ScopedTarget {
     simd::SetTarget(target_);
     simd::SetStoreKind(std::nullopt);
     simd::SetSeveralPlaces(std::nullopt);
+    simd::SetCrossingLoads(std::nullopt);
   }
   ScopedTarget(const ScopedTarget&) = delete;
   ScopedTarget& operator=(const ScopedTarget&) = delete;
@@ -23,6 +26,11 @@ class ScopedTarget {
  private:
   simd::Target target_;
 };
+
+// What simd::CrossingLoadsAreSlow() may say that matters to a target: only the best one has kernels for both.
+inline std::vector<bool> CrossingLoadsOf(simd::Target target) {
+  return target == simd::Target::kAvx512Vbmi ? std::vector<bool>{true, false} : std::vector<bool>{true};
+}
 
 // Stops at the first target that fails.
 template <class Check>
@@ -35,11 +43,14 @@ void ForEachTarget(Check&& check) {
     for (const simd::StoreKind stores : {simd::StoreKind::kCached, simd::StoreKind::kStreaming}) {
       simd::SetStoreKind(stores);
       ASSERT_EQ(simd::StoreKindFor(0), stores);
-      SCOPED_TRACE(testing::Message()
-                   << simd::Name(target) << (stores == simd::StoreKind::kCached ? ", plain" : ", streaming")
-                   << " stores");
-      check();
-      if (testing::Test::HasFailure()) return;
+      for (const bool slow : CrossingLoadsOf(target)) {
+        simd::SetCrossingLoads(slow);
+        SCOPED_TRACE(testing::Message()
+                     << simd::Name(target) << (stores == simd::StoreKind::kCached ? ", plain" : ", streaming")
+                     << " stores" << (slow ? "" : ", loads that cross lines"));
+        check();
+        if (testing::Test::HasFailure()) return;
+      }
     }
   }
 }

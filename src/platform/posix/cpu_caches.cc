@@ -43,8 +43,8 @@ long FromSystemConfiguration(int level) {
 
 }  // namespace
 
-// The C library adds up the third-level caches of a package that has several, of which a processor fills only its own
-// (384 MB where it was 32): the kernel is asked first.
+// The C library adds up the third-level caches of a package that has several, of which a processor fills only
+// its own (384 MB where it was 32): the kernel is asked first.
 size_t CacheBytes(int level) {
   for (int index = 0;; ++index) {
     const long found = CacheFact(index, "level").Number();
