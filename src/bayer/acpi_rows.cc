@@ -61,12 +61,19 @@ HWY_INLINE V8 Block(VSite at_green, VSite at_other, bool starts_green) {
   return starts_green ? Alternate(at_green, at_other) : Alternate(at_other, at_green);
 }
 
+// What stands one column to the west and one to the east of some sites.
+struct Neighbours {
+  VSite west, east;
+};
+
 // Words of a row, from a block's first column on.
 struct BlockWords {
   const int16_t* from[2];  // columns 0, 2, 4 ... of the block, and 1, 3, 5 ...
 
   // Every second column from `column` of the block on.
   HWY_INLINE VSite At(ptrdiff_t column) const { return hn::LoadU(DSite(), from[column & 1] + (column >> 1)); }
+  // The columns beside these.
+  HWY_INLINE Neighbours Beside(ptrdiff_t column) const { return {At(column - 1), At(column + 1)}; }
 };
 
 // For block number `block` from column x on; where blocks are of one site, x is the column itself.
@@ -95,6 +102,14 @@ HWY_INLINE hn::Mask<DSite> SiteAt(size_t first, size_t column) {
 struct ColourRows {
   const int16_t* even[3];
   const int16_t* greens[3];
+
+  // By an even number of columns. With pointers that move no index takes a register from them.
+  HWY_INLINE void MoveTo(size_t column) {
+    for (size_t i = 0; i < 3; ++i) {
+      even[i] = LoadedAlone(even[i] + column / 2);
+      greens[i] = LoadedAlone(greens[i] + column / 2);
+    }
+  }
 };
 
 HWY_INLINE ColourRows LoadedRows(const ColourLines& lines, const GreenLines& below_lines) {
@@ -128,24 +143,23 @@ struct ColourWords {
   }
 };
 
-// The greens of the row below a block: as words, or as they are made.
-struct StoredBelow {
-  const ColourWords& at;
-
-  HWY_INLINE VSite Green(ptrdiff_t column) const { return at.green[2].At(column); }
-  HWY_INLINE VSite Difference(ptrdiff_t column) const { return at.difference[2].At(column); }
+// What a block's colours are interpolated from, beside its own samples and greens.
+struct Surroundings {
+  Neighbours above, under;  // of sites that are not green, in the rows above and below: samples
+  Neighbours green_above, green_under, difference_above, difference_under;
+  Neighbours difference;                     // of green sites, in their own row
+  VSite difference_north, difference_south;  // of green sites
 };
-template <class Greens>
-struct MadeBelow {
-  const Greens& greens;
-  ptrdiff_t other;  // the block's first site that is not green
 
-  HWY_INLINE VSite Green(ptrdiff_t column) const { return greens.Green(column < other); }
-  HWY_INLINE VSite Difference(ptrdiff_t column) const { return greens.Difference(column < other); }
-};
+// Loaded from words; `c` is the block's first column that is not green, `g` the first that is.
+HWY_INLINE Surroundings LoadSurroundings(const ColourWords& at, ptrdiff_t c, ptrdiff_t g) {
+  return {at.raw[0].Beside(c),        at.raw[2].Beside(c),        at.green[0].Beside(c),
+          at.green[2].Beside(c),      at.difference[0].Beside(c), at.difference[2].Beside(c),
+          at.difference[1].Beside(g), at.difference[0].At(g),     at.difference[2].At(g)};
+}
 
 template <bool kBorder>
-HWY_INLINE void ColourBlock(const ColourWords& at, const auto& below, size_t x, uint32_t width,
+HWY_INLINE void ColourBlock(const ColourWords& at, const Surroundings& around, size_t x, uint32_t width,
                             ColumnRange adaptive, auto starts_green, V8& row_colour, V8& green,
                             V8& other_colour) {
   const ptrdiff_t g = FirstSite(!starts_green);  // the first green site
@@ -156,19 +170,22 @@ HWY_INLINE void ColourBlock(const ColourWords& at, const auto& below, size_t x, 
   const auto at_green = [&](VSite a, VSite b) PRISMO_INLINE {
     return hn::ShiftRight<2>(hn::Add(hn::Add(a, b), hn::Add(own_green, own_green)));
   };
-  VSite horizontal = at_green(at.difference[1].At(g - 1), at.difference[1].At(g + 1));
-  VSite vertical = at_green(at.difference[0].At(g), below.Difference(g));
+  VSite horizontal = at_green(around.difference.west, around.difference.east);
+  VSite vertical = at_green(around.difference_north, around.difference_south);
 
-  const VSite nw = at.raw[0].At(c - 1), ne = at.raw[0].At(c + 1);
-  const VSite sw = at.raw[2].At(c - 1), se = at.raw[2].At(c + 1);
+  const auto [nw, ne] = around.above;
+  const auto [sw, se] = around.under;
   const VSite site_green = at.green[1].At(c);
   const VSite twice = hn::Add(site_green, site_green);
-  const auto direction = [&](VSite north, VSite south, ptrdiff_t of_north, ptrdiff_t of_south) PRISMO_INLINE {
-    const VSite greens = hn::Add(at.green[0].At(of_north), below.Green(of_south));
-    const VSite differences = hn::Add(at.difference[0].At(of_north), below.Difference(of_south));
-    return Direction(north, south, hn::Sub(twice, greens), hn::Add(twice, differences));
+  const auto direction = [&](VSite north, VSite south, VSite north_green, VSite south_green,
+                             VSite north_difference, VSite south_difference) PRISMO_INLINE {
+    return Direction(north, south, hn::Sub(twice, hn::Add(north_green, south_green)),
+                     hn::Add(twice, hn::Add(north_difference, south_difference)));
   };
-  VSite opposite = Smoother(direction(ne, sw, c + 1, c - 1), direction(nw, se, c - 1, c + 1));
+  VSite opposite = Smoother(direction(ne, sw, around.green_above.east, around.green_under.west,
+                                      around.difference_above.east, around.difference_under.west),
+                            direction(nw, se, around.green_above.west, around.green_under.east,
+                                      around.difference_above.west, around.difference_under.east));
 
   if constexpr (kBorder) {
     // Bilinear: averages over the neighbours inside the frame.
@@ -198,33 +215,143 @@ struct BorderBlocks {
 
   HWY_INLINE void operator()(size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) const {
     const ColourWords at(LoadedRows(lines, below_lines), x, x % 2 != 0, 0);
-    ColourBlock<true>(at, StoredBelow{at}, x, row.width, lines.adaptive, starts_green, row_colour, green,
-                      other_colour);
+    ColourBlock<true>(at, LoadSurroundings(at, FirstSite(starts_green), FirstSite(!starts_green)), x,
+                      row.width, lines.adaptive, starts_green, row_colour, green, other_colour);
   }
 };
 
 #if PRISMO_GREENS_IN_STEP
-// Inner blocks from an even column on, with the greens of the row below them.
+// The neighbours of a row's sites, block by block, each word loaded once: the others come out of registers.
+// The west ones are at the block's even columns if kAhead, else the east ones are at its odd columns.
+template <bool kAhead>
+class CarriedNeighbours {
+ public:
+  HWY_INLINE explicit CarriedNeighbours(const BlockWords& first)
+      : carried_(kAhead ? hn::LoadU(DSite(), first.from[0]) : hn::Set(DSite(), first.from[1][-1])) {}
+
+  HWY_INLINE Neighbours Next(const BlockWords& at) {
+    const VSite before = carried_;
+    carried_ = hn::LoadU(DSite(), kAhead ? at.from[0] + kSites : at.from[1]);
+    alignas(64) static constexpr auto kPlaces = [] {
+      struct {
+        uint16_t index[kSites];
+      } places{};
+      for (int i = 0; i < kSites; ++i) places.index[i] = static_cast<uint16_t>(i + (kAhead ? 1 : kSites - 1));
+      return places;
+    }();
+    const VSite shifted{
+        _mm512_permutex2var_epi16(before.raw, _mm512_load_si512(kPlaces.index), carried_.raw)};
+    return kAhead ? Neighbours{before, shifted} : Neighbours{shifted, carried_};
+  }
+
+ private:
+  VSite carried_;
+};
+
+// What LoadSurroundings gives for blocks that follow each other; what is in the row below may be made
+// instead.
 template <bool kStartsGreen>
-struct BlocksInStep {
-  GreensInStep<GreenSource<!kStartsGreen>> below;
-  int16_t* greens[2];  // of the row above and the row itself, from the next block's first column on
+class CarriedSurroundings {
+ public:
+  HWY_INLINE explicit CarriedSurroundings(const ColourWords& first)
+      : above_(first.raw[0]),
+        under_(first.raw[2]),
+        green_above_(first.green[0]),
+        difference_above_(first.difference[0]),
+        difference_(first.difference[1]) {}
+
+  HWY_INLINE Surroundings Next(const ColourWords& at, Neighbours green_under, Neighbours difference_under) {
+    Surroundings next{above_.Next(at.raw[0]),
+                      under_.Next(at.raw[2]),
+                      green_above_.Next(at.green[0]),
+                      green_under,
+                      difference_above_.Next(at.difference[0]),
+                      difference_under,
+                      difference_.Next(at.difference[1])};
+    next.difference_north = kStartsGreen ? next.difference_above.west : next.difference_above.east;
+    next.difference_south = kStartsGreen ? difference_under.west : difference_under.east;
+    return next;
+  }
+
+ private:
+  CarriedNeighbours<kStartsGreen> above_, under_, green_above_, difference_above_;
+  CarriedNeighbours<!kStartsGreen> difference_;
+};
+
+// Inner blocks from an even column on, whose surroundings come out of registers.
+template <bool kStartsGreen>
+class CarriedBlocks {
+ public:
+  HWY_INLINE CarriedBlocks(const ColourRows& rows, size_t x)
+      : rows_(rows), around_((rows_.MoveTo(x), Words())) {}
+
+  HWY_INLINE void operator()(V8& row_colour, V8& green, V8& other_colour) {
+    const ColourWords at = Words();
+    const Surroundings around =
+        around_.Next(at, green_under_.Next(at.green[2]), difference_under_.Next(at.difference[2]));
+    ColourBlock<false>(at, around, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
+                       other_colour);
+    rows_.MoveTo(2 * kSites);
+  }
+
+ private:
+  HWY_INLINE ColourWords Words() const { return ColourWords(rows_, 0, false, 0); }
+
+  ColourRows rows_;  // from the next block's first column on
+  CarriedSurroundings<kStartsGreen> around_;
+  CarriedNeighbours<kStartsGreen> green_under_{Words().green[2]}, difference_under_{Words().difference[2]};
+};
+
+// Inner blocks from an even column on, with the greens of the row below them.
+template <bool kStartsGreen, bool kCarried>
+class BlocksInStep {
+ public:
+  HWY_INLINE BlocksInStep(const GreensInStep<GreenSource<!kStartsGreen>>& below, int16_t* above,
+                          int16_t* here)
+      : below_(below), greens_{above, here}, around_(Words()) {}
 
   HWY_INLINE void operator()(size_t, V8& row_colour, V8& green, V8& other_colour) {
-    below.Make();
-    const ColourRows rows{{below.Even(0), below.Even(1), below.Even(2)},
-                          {greens[0], greens[1], below.Words()}};
-    ColourBlock<false>(ColourWords(rows, 0, false, 0),
-                       MadeBelow<decltype(below)>{below, FirstSite(kStartsGreen)}, 0, 0, {},
-                       std::bool_constant<kStartsGreen>(), row_colour, green, other_colour);
-    below.Done();
-    for (int16_t*& words : greens) words = LoadedAlone(words + kSites);
+    below_.Make();
+    const ColourWords at = Words();
+    const Neighbours green_under{below_.Green(true), below_.Green(false)};
+    const Neighbours difference_under{below_.Difference(true), below_.Difference(false)};
+    Surroundings around;
+    if constexpr (kCarried) {
+      around = around_.Next(at, green_under, difference_under);
+    } else {
+      constexpr ptrdiff_t c = kStartsGreen ? 1 : 0, g = 1 - c;
+      around = {at.raw[0].Beside(c),
+                at.raw[2].Beside(c),
+                at.green[0].Beside(c),
+                green_under,
+                at.difference[0].Beside(c),
+                difference_under,
+                at.difference[1].Beside(g),
+                at.difference[0].At(g),
+                kStartsGreen ? difference_under.west : difference_under.east};
+    }
+    ColourBlock<false>(at, around, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
+                       other_colour);
+    below_.Done();
+    for (int16_t*& words : greens_) words = LoadedAlone(words + kSites);
   }
+
+ private:
+  // Until the block is done.
+  HWY_INLINE ColourWords Words() const {
+    const ColourRows rows{{below_.Even(0), below_.Even(1), below_.Even(2)},
+                          {greens_[0], greens_[1], below_.Words()}};
+    return ColourWords(rows, 0, false, 0);
+  }
+
+  GreensInStep<GreenSource<!kStartsGreen>> below_;
+  int16_t* greens_[2];  // of the row above and the row itself, from the next block's first column on
+  CarriedSurroundings<kStartsGreen> around_;
 };
 
 // Greens of the row below and pixels in one pass: streaming stores, which the memory takes slowly, then have
 // the time of both. With plain stores all rows under way and the pixels would overflow the first-level cache.
-template <size_t kBytes>
+template <bool kCarried, size_t kBytes>
 void ColourInStep(const ColourLines& lines, const GreenLines& below_lines, const BayerRow& below,
                   const BayerRow& row, const PackedSink<kBytes, kSiteOrder>& sink) {
   // The sites of the last inner block's greens are inner ones, too.
@@ -234,9 +361,9 @@ void ColourInStep(const ColourLines& lines, const GreenLines& below_lines, const
       [&](size_t x, size_t blocks, auto starts_green) PRISMO_INLINE {
         constexpr bool kStartsGreen = decltype(starts_green)::value;
         const auto first = static_cast<ptrdiff_t>(x / 2);
-        return BlocksInStep<kStartsGreen>{
+        return BlocksInStep<kStartsGreen, kCarried>(
             {below_lines, below, LoadedAlone(lines.greens[2]), first, blocks},
-            {LoadedAlone(lines.greens[0]) + first, LoadedAlone(lines.greens[1]) + first}};
+            LoadedAlone(lines.greens[0]) + first, LoadedAlone(lines.greens[1]) + first);
       },
       BorderBlocks{lines, below_lines, row});
 }
@@ -254,12 +381,27 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
 #if PRISMO_GREENS_IN_STEP
     const bool even = std::min<size_t>(row.columns.begin + to_line, row.columns.end) % 2 == 0;
     if (even && !below_lines.bilinear && lines.adaptive.begin < lines.adaptive.end) {
-      return ColourInStep(lines, below_lines, below, row, sink);
+      return simd::CrossingLoadsAreSlow() ? ColourInStep<true>(lines, below_lines, below, row, sink)
+                                          : ColourInStep<false>(lines, below_lines, below, row, sink);
     }
 #endif
   }
   Green(below_lines, below, lines.greens[2]);
   const ColourRows rows = LoadedRows(lines, below_lines);
+#if PRISMO_GREENS_IN_STEP
+  if (kStores == StoreKind::kCached && row.columns.begin % 2 == 0 && simd::CrossingLoadsAreSlow()) {
+    return CoverColumns<kStores>(
+        row, lines.adaptive, sink,
+        [=](size_t first, size_t, auto starts_green) PRISMO_INLINE {
+          return [=, blocks = CarriedBlocks<decltype(starts_green)::value>(rows, first)](
+                     size_t block, V8& row_colour, V8& green, V8& other_colour) mutable PRISMO_INLINE {
+            sink.PrepareBlock(first + block * kLanes, kPrepareBytes / 2);
+            blocks(row_colour, green, other_colour);
+          };
+        },
+        BorderBlocks{lines, below_lines, row});
+  }
+#endif
   CoverColumns<kStores>(
       row, lines.adaptive, sink,
       [=, green_first = row.role.green_first](size_t first, size_t, auto starts_green) PRISMO_INLINE {
@@ -270,7 +412,8 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
           const bool odd = starts_green != green_first;
           const ColourWords at =
               kLanes == 1 ? ColourWords(rows, x, odd, 0) : ColourWords(rows, first, odd, block);
-          ColourBlock<false>(at, StoredBelow{at}, 0, 0, {}, starts_green, row_colour, green, other_colour);
+          ColourBlock<false>(at, LoadSurroundings(at, FirstSite(starts_green), FirstSite(!starts_green)), 0,
+                             0, {}, starts_green, row_colour, green, other_colour);
         };
       },
       BorderBlocks{lines, below_lines, row});

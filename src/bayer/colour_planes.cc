@@ -26,7 +26,8 @@ struct PlanesJobs {
 
   PlanesJobs(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad) {
     const size_t pitch = pad ? PadTo4(size.width) : size.width;
-    const simd::StoreKind stores = simd::StoreKindFor((size.width + 3 * pitch) * size.height);
+    const simd::StoreKind stores =
+        simd::StoreKindFor((size.width + 3 * pitch) * size.height, 1, simd::TimeGoesTo::kArithmetic);
     outer = {.src = static_cast<const uint8_t*>(src),
              .src_pitch = size.width,
              .plane = {static_cast<uint8_t*>(planes.blue), static_cast<uint8_t*>(planes.green),

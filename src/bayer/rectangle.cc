@@ -39,7 +39,8 @@ AcpiJob MakeJob(const AcpiForm& form, const Rectangle& r) {
                      .adaptive_first_row = r.top + 1,
                      .adaptive_last_row = r.top + r.size.height - 2},
           .pad_bytes = 0,
-          .stores = simd::StoreKindFor((1 + PixelBytes(form.layout)) * r.size.Pixels())};
+          .stores = simd::StoreKindFor((1 + PixelBytes(form.layout)) * r.size.Pixels(), 1,
+                                       simd::TimeGoesTo::kArithmetic)};
 }
 
 // The outermost columns of some rows.

@@ -24,6 +24,10 @@ ConvertRun RunFor(const Conversion& conversion, simd::StoreKind stores) {
 // time to convert, streaming therefore pays later (measured at 5 megapixels: 5 %; not so for words).
 size_t StoreReach(Source source, bool rows_apart) { return source == Source::kMono8 && rows_apart ? 2 : 1; }
 
+simd::TimeGoesTo TimeOf(Source source) {
+  return source < Source::kRgbN ? simd::TimeGoesTo::kMemory : simd::TimeGoesTo::kArithmetic;
+}
+
 }  // namespace
 
 size_t SourceRowBytes(Source source, uint32_t width) {
@@ -50,7 +54,8 @@ ConvertJob RunJob(const Conversion& conversion, void* dst, const void* src, size
   const PixelGroup group = GroupOf(conversion.source);
   const size_t run_pixels = pixels / group.pixels * group.pixels;
   const size_t dst_bytes = PixelBytes(conversion.layout) * run_pixels;
-  const simd::StoreKind stores = simd::StoreKindFor(group.Bytes(run_pixels) + dst_bytes);
+  const simd::StoreKind stores =
+      simd::StoreKindFor(group.Bytes(run_pixels) + dst_bytes, 1, TimeOf(conversion.source));
   return {.dst = static_cast<uint8_t*>(dst),
           .src = static_cast<const uint8_t*>(src),
           .dst_pitch = dst_bytes,
@@ -72,7 +77,8 @@ ConvertJob RowsJob(const Conversion& conversion, void* dst, const void* src, Fra
   const auto pad_bytes = static_cast<uint32_t>(dst_pitch - pixel_bytes * size.width);
   const size_t row_pixels = size.width / group.pixels * group.pixels;
   const simd::StoreKind stores =
-      simd::StoreKindFor((src_pitch + dst_pitch) * size.height, StoreReach(conversion.source, pad_bytes > 0));
+      simd::StoreKindFor((src_pitch + dst_pitch) * size.height, StoreReach(conversion.source, pad_bytes > 0),
+                         TimeOf(conversion.source));
   return {.dst = static_cast<uint8_t*>(dst),
           .src = static_cast<const uint8_t*>(src),
           .dst_pitch = dst_pitch,

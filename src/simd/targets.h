@@ -28,9 +28,12 @@ void SetTarget(Target target);
 // kStreaming bypasses the caches: right for results that the cache could not hold anyway.
 enum class StoreKind : uint8_t { kCached, kStreaming };
 
+// What takes a conversion's time in the cache.
+enum class TimeGoesTo : uint8_t { kMemory, kArithmetic };
+
 // The kind of store for a conversion that reads and writes this many bytes in all. `reach` tells how many
 // times as much cache as others it can count on where the cache is that of a whole server socket.
-StoreKind StoreKindFor(size_t working_set_bytes, size_t reach = 1);
+StoreKind StoreKindFor(size_t working_set_bytes, size_t reach = 1, TimeGoesTo time = TimeGoesTo::kMemory);
 
 // Streaming stores are weakly ordered: a row job ends with this before anybody else reads its rows.
 void FinishStores(StoreKind kind);
