@@ -103,11 +103,11 @@ struct ColourRows {
   const int16_t* even[3];
   const int16_t* greens[3];
 
-  // By an even number of columns. With pointers that move no index takes a register from them.
-  HWY_INLINE void MoveTo(size_t column) {
+  // By an even number. With pointers that move no index takes a register from them.
+  HWY_INLINE void MoveBy(size_t columns) {
     for (size_t i = 0; i < 3; ++i) {
-      even[i] = LoadedAlone(even[i] + column / 2);
-      greens[i] = LoadedAlone(greens[i] + column / 2);
+      even[i] = LoadedAlone(even[i] + columns / 2);
+      greens[i] = LoadedAlone(greens[i] + columns / 2);
     }
   }
 };
@@ -282,8 +282,8 @@ class CarriedSurroundings {
 template <bool kStartsGreen>
 class CarriedBlocks {
  public:
-  HWY_INLINE CarriedBlocks(const ColourRows& rows, size_t x)
-      : rows_(rows), around_((rows_.MoveTo(x), Words())) {}
+  // The rows from the first block's first column on.
+  HWY_INLINE explicit CarriedBlocks(const ColourRows& rows) : rows_(rows), around_(Words()) {}
 
   HWY_INLINE void operator()(V8& row_colour, V8& green, V8& other_colour) {
     const ColourWords at = Words();
@@ -291,7 +291,7 @@ class CarriedBlocks {
         around_.Next(at, green_under_.Next(at.green[2]), difference_under_.Next(at.difference[2]));
     ColourBlock<false>(at, around, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
                        other_colour);
-    rows_.MoveTo(2 * kSites);
+    rows_.MoveBy(2 * kSites);
   }
 
  private:
@@ -393,7 +393,9 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
     return CoverColumns<kStores>(
         row, lines.adaptive, sink,
         [=](size_t first, size_t, auto starts_green) PRISMO_INLINE {
-          return [=, blocks = CarriedBlocks<decltype(starts_green)::value>(rows, first)](
+          ColourRows from_first = rows;
+          from_first.MoveBy(first);
+          return [=, blocks = CarriedBlocks<decltype(starts_green)::value>(from_first)](
                      size_t block, V8& row_colour, V8& green, V8& other_colour) mutable PRISMO_INLINE {
             sink.PrepareBlock(first + block * kLanes, kPrepareBytes / 2);
             blocks(row_colour, green, other_colour);

@@ -27,9 +27,11 @@ class ScopedTarget {
   simd::Target target_;
 };
 
-// What simd::CrossingLoadsAreSlow() may say that matters to a target: only the best one has kernels for both.
+// What simd::CrossingLoadsAreSlow() may say that matters to a target: those with AVX-512 have kernels for
+// both.
 inline std::vector<bool> CrossingLoadsOf(simd::Target target) {
-  return target == simd::Target::kAvx512Vbmi ? std::vector<bool>{true, false} : std::vector<bool>{true};
+  const bool both = target == simd::Target::kAvx512 || target == simd::Target::kAvx512Vbmi;
+  return both ? std::vector<bool>{true, false} : std::vector<bool>{true};
 }
 
 // Stops at the first target that fails.
