@@ -33,6 +33,9 @@ HWY_INLINE ptrdiff_t FirstSite(bool) { return 0; }
 HWY_INLINE ptrdiff_t FirstSite(bool odd) { return odd ? 1 : 0; }
 #endif
 
+// How far ahead plain stores fetch their lines: less than others, as the rows under way need the near cache.
+inline constexpr size_t kPrepareNear = kPrepareBytes / 2;
+
 inline constexpr Order kSiteOrder = CheapOrder(Order::kHalves);
 
 // A block of bytes from sites that are clamped to 0 to 255, `first` from its first column on and `second`
@@ -279,13 +282,15 @@ class CarriedSurroundings {
 };
 
 // Inner blocks from an even column on, whose surroundings come out of registers.
-template <bool kStartsGreen>
+template <bool kStartsGreen, class Sink>
 class CarriedBlocks {
  public:
-  // The rows from the first block's first column on.
-  HWY_INLINE explicit CarriedBlocks(const ColourRows& rows) : rows_(rows), around_(Words()) {}
+  // The rows from column x on, which is the first block's first.
+  HWY_INLINE CarriedBlocks(const ColourRows& rows, const Sink& sink, size_t x)
+      : rows_(rows), around_(Words()), sink_(sink), x_(x) {}
 
-  HWY_INLINE void operator()(V8& row_colour, V8& green, V8& other_colour) {
+  HWY_INLINE void operator()(size_t block, V8& row_colour, V8& green, V8& other_colour) {
+    sink_.PrepareBlock(x_ + block * kLanes, kPrepareNear);
     const ColourWords at = Words();
     const Surroundings around =
         around_.Next(at, green_under_.Next(at.green[2]), difference_under_.Next(at.difference[2]));
@@ -300,6 +305,8 @@ class CarriedBlocks {
   ColourRows rows_;  // from the next block's first column on
   CarriedSurroundings<kStartsGreen> around_;
   CarriedNeighbours<kStartsGreen> green_under_{Words().green[2]}, difference_under_{Words().difference[2]};
+  Sink sink_;
+  size_t x_;
 };
 
 // Inner blocks from an even column on, with the greens of the row below them.
@@ -395,11 +402,8 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
         [=](size_t first, size_t, auto starts_green) PRISMO_INLINE {
           ColourRows from_first = rows;
           from_first.MoveBy(first);
-          return [=, blocks = CarriedBlocks<decltype(starts_green)::value>(from_first)](
-                     size_t block, V8& row_colour, V8& green, V8& other_colour) mutable PRISMO_INLINE {
-            sink.PrepareBlock(first + block * kLanes, kPrepareBytes / 2);
-            blocks(row_colour, green, other_colour);
-          };
+          return CarriedBlocks<decltype(starts_green)::value, PackedSink<kBytes, kSiteOrder>>(from_first,
+                                                                                              sink, first);
         },
         BorderBlocks{lines, below_lines, row});
   }
@@ -409,8 +413,7 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
       [=, green_first = row.role.green_first](size_t first, size_t, auto starts_green) PRISMO_INLINE {
         return [=](size_t block, V8& row_colour, V8& green, V8& other_colour) PRISMO_INLINE {
           const size_t x = first + block * kLanes;
-          // Less far ahead than others: the rows under way need the near cache.
-          if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(x, kPrepareBytes / 2);
+          if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(x, kPrepareNear);
           const bool odd = starts_green != green_first;
           const ColourWords at =
               kLanes == 1 ? ColourWords(rows, x, odd, 0) : ColourWords(rows, first, odd, block);

@@ -181,10 +181,12 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
         }
       }
       for (; i < blocks; ++i) one(compute, i);
-      if (last_is_inner && x + blocks * kLanes < end) {
-        V8 row_colour, green, other_colour;
-        inner(end - kLanes, 1, starts_green)(0, row_colour, green, other_colour);
-        store(inner_sink, end - kLanes, row_colour, green, other_colour);
+      if constexpr (kAnyColumn) {
+        if (last_is_inner && x + blocks * kLanes < end) {
+          V8 row_colour, green, other_colour;
+          inner(end - kLanes, 1, starts_green)(0, row_colour, green, other_colour);
+          store(inner_sink, end - kLanes, row_colour, green, other_colour);
+        }
       }
     }
   };
