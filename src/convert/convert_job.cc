@@ -25,7 +25,7 @@ ConvertRun RunFor(const Conversion& conversion, simd::StoreKind stores) {
 size_t StoreReach(Source source, bool rows_apart) { return source == Source::kMono8 && rows_apart ? 2 : 1; }
 
 simd::TimeGoesTo TimeOf(Source source) {
-  return source < Source::kRgbN ? simd::TimeGoesTo::kMemory : simd::TimeGoesTo::kArithmetic;
+  return source < Source::kYuv411 ? simd::TimeGoesTo::kMemory : simd::TimeGoesTo::kArithmetic;
 }
 
 }  // namespace
