@@ -53,6 +53,13 @@ struct RearrangePlan {
     for (size_t reach = 0; reach < kReaches; ++reach) AddReach(reach);
   }
 
+  // Bit i is set where a source has byte i of a vector of up to 64 bytes.
+  constexpr uint64_t HereMask(size_t source, size_t vector) const {
+    uint64_t mask = 0;
+    for (size_t i = 0; i < 64; ++i) mask |= uint64_t{index[source][64 * vector + i] != kElsewhere} << i;
+    return mask;
+  }
+
  private:
   constexpr void AddReach(size_t reach) {
     const size_t begin = reach * kReach, end = begin + kReach;
@@ -93,8 +100,10 @@ HWY_INLINE V8 Rearranged(const uint8_t* from) {
   const V8 index = hn::Load(D8(), kPlan.index[kSource] + kVector * kLanes);
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
   const V8 source = hn::LoadU(D8(), from + kPlan.place[kSource][kFirst]);
-  const __mmask64 here = ~_mm512_movepi8_mask(index.raw);
-  if constexpr (kMore) {
+  constexpr uint64_t here = kPlan.HereMask(kSource, kVector);
+  if constexpr (~here == 0) {
+    return V8{_mm512_permutexvar_epi8(index.raw, source.raw)};
+  } else if constexpr (kMore) {
     const V8 others = Rearranged<Pattern, kVector, kSource + 1>(from);
     return V8{_mm512_mask_permutexvar_epi8(others.raw, here, index.raw, source.raw)};
   } else {

@@ -13,73 +13,76 @@
 #include <bit>
 
 #include "simd/sinks-inl.h"
+#include "synth/luma_chroma.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
-
-// Evaluated from left to right, each step rounded. Arguments are sums over `pixels` pixels. No sum is below
-// 0, and none but chroma, up to 255.5, is above the largest sample.
-constexpr double LumaOf(double b, double g, double r, double scale = 1) {
-  return 0.114 * scale * b + 0.587 * scale * g + 0.299 * scale * r;
-}
-template <int kPixels>
-constexpr double ChromaUOf(double b, double g, double r) {
-  return 0.5 / kPixels * b - 0.331 / kPixels * g - 0.169 / kPixels * r + 128;
-}
-template <int kPixels>
-constexpr double ChromaVOf(double b, double g, double r) {
-  return 0.5 / kPixels * r - 0.419 / kPixels * g - 0.081 / kPixels * b + 128;
-}
 
 #if HWY_TARGET != HWY_SCALAR
 
 using DF32 = hn::RebindToFloat<D32>;
 using DF64 = hn::Repartition<double, D32>;
 using MI32 = hn::Mask<DI32>;
+inline constexpr size_t kLanes32 = kLanes / 4;
 
-// Pixels are 32-bit lanes of bytes B G R x. Sums of pixels are 32-bit lanes of two vectors of words: blue and
-// red, and green, above which anything may stand.
-HWY_INLINE void SplitPixels(V32 pixels, VI16& blue_red, VI16& green) {
-  blue_red = hn::BitCast(DI16(), hn::And(pixels, hn::Set(D32(), 0x00FF00FF)));
-  green = hn::BitCast(DI16(), hn::ShiftRight<8>(hn::BitCast(D16(), pixels)));
+// Samples of pixels, and sums of them, are 32-bit lanes of two vectors of words: green in both, and blue and
+// red.
+struct Samples {
+  VI16 green;
+  VI16 blue_red;
+};
+
+// Pixels are 32-bit lanes of bytes B G R G, or B G R and anything.
+template <bool kGreenTwice>
+HWY_INLINE Samples SamplesOf(V32 pixels) {
+  const D8 d8;
+  const DI16 d16;
+  const VI16 blue_red = hn::BitCast(d16, hn::And(pixels, hn::Set(D32(), 0x00FF00FF)));
+  if constexpr (kGreenTwice) {
+    return {hn::BitCast(d16, hn::ShiftRight<8>(hn::BitCast(D16(), pixels))), blue_red};
+  } else {
+    alignas(16) static constexpr uint8_t kGreens[16] = {1, 0x80, 1, 0x80, 5,  0x80, 5,  0x80,
+                                                        9, 0x80, 9, 0x80, 13, 0x80, 13, 0x80};
+    const V8 green = hn::TableLookupBytesOr0(hn::BitCast(d8, pixels), hn::LoadDup128(d8, kGreens));
+    return {hn::BitCast(d16, green), blue_red};
+  }
 }
 
-HWY_INLINE void Channels(VI16 blue_red, VI16 green, VI32& b, VI32& g, VI32& r) {
-  const DI32 d32;
-  b = hn::And(hn::BitCast(d32, blue_red), hn::Set(d32, 0xFFFF));
-  g = hn::And(hn::BitCast(d32, green), hn::Set(d32, 0xFFFF));
-  r = hn::ShiftRight<16>(hn::BitCast(d32, blue_red));
+HWY_INLINE Samples Sum(const Samples& a, const Samples& b) {
+  return {hn::Add(a.green, b.green), hn::Add(a.blue_red, b.blue_red)};
 }
-HWY_INLINE void Channels(V32 pixels, VI32& b, VI32& g, VI32& r) {
+
+HWY_INLINE void Channels(const Samples& samples, VI32& b, VI32& g, VI32& r) {
   const DI32 d32;
-  const V32 byte = hn::Set(D32(), 0xFF);
-  b = hn::BitCast(d32, hn::And(pixels, byte));
-  g = hn::BitCast(d32, hn::And(hn::ShiftRight<8>(pixels), byte));
-  r = hn::BitCast(d32, hn::And(hn::ShiftRight<16>(pixels), byte));
+  b = hn::And(hn::BitCast(d32, samples.blue_red), hn::Set(d32, 0xFFFF));
+  g = hn::And(hn::BitCast(d32, samples.green), hn::Set(d32, 0xFFFF));
+  r = hn::ShiftRight<16>(hn::BitCast(d32, samples.blue_red));
 }
 
 #if HWY_ARCH_X86
 HWY_INLINE VI32 PairWeights(int low, int high) { return hn::Set(DI32(), (low & 0xFFFF) | high * 0x10000); }
+#endif
 
-#if HWY_TARGET <= HWY_AVX3_DL
-// Adds sums of the products of neighbouring words. The target has the instruction, GCC is not told so.
-HWY_INLINE void AddWeighedPairs(VI32& sum, VI16 v, int low, int high) {
+// Adds the sums of the products of neighbouring words.
+HWY_INLINE VI32 AddWeighedPairs(VI32 sum, VI16 v, int low, int high) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL
+  // The target has the instruction, GCC is not told so.
   asm("vpdpwssd %2, %1, %0" : "+v"(sum.raw) : "v"(v.raw), "v"(PairWeights(low, high).raw));
-}
-#else
-// Sums of the products of neighbouring words.
-HWY_INLINE VI32 WeighPairs(VI16 v, int low, int high) {
-  const VI32 weights = PairWeights(low, high);
-#if HWY_TARGET <= HWY_AVX3
-  return VI32{_mm512_madd_epi16(v.raw, weights.raw)};
+  return sum;
+#elif HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  return hn::Add(sum, VI32{_mm512_madd_epi16(v.raw, PairWeights(low, high).raw)});
 #elif HWY_TARGET == HWY_AVX2
-  return VI32{_mm256_madd_epi16(v.raw, weights.raw)};
+  return hn::Add(sum, VI32{_mm256_madd_epi16(v.raw, PairWeights(low, high).raw)});
+#elif HWY_ARCH_X86
+  return hn::Add(sum, VI32{_mm_madd_epi16(v.raw, PairWeights(low, high).raw)});
 #else
-  return VI32{_mm_madd_epi16(v.raw, weights.raw)};
+  const DI32 d32;
+  const VI32 lanes = hn::BitCast(d32, v);
+  const VI32 low_words = hn::ShiftRight<16>(hn::ShiftLeft<16>(lanes)), high_words = hn::ShiftRight<16>(lanes);
+  sum = hn::Add(sum, hn::Mul(low_words, hn::Set(d32, low)));
+  return high == 0 ? sum : hn::Add(sum, hn::Mul(high_words, hn::Set(d32, high)));
 #endif
 }
-#endif
-#endif
 
 struct Weights {
   int b, g, r;
@@ -88,32 +91,16 @@ struct Weights {
   constexpr Weights StartingLater(int by) const { return {b, g, r, start + by}; }
 };
 
+// Where weights add up to zero, what blue and red have more than green is enough.
 template <Weights kWeights>
-HWY_INLINE VI32 Weigh(VI16 blue_red, VI16 green) {
-  const DI32 d32;
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
-  VI32 sum = hn::Set(d32, kWeights.start);
-  AddWeighedPairs(sum, green, kWeights.g, 0);
-  AddWeighedPairs(sum, blue_red, kWeights.b, kWeights.r);
-  return sum;
-#else
-#if HWY_ARCH_X86
-  const VI32 sum = hn::Add(WeighPairs(blue_red, kWeights.b, kWeights.r), WeighPairs(green, kWeights.g, 0));
-#else
-  VI32 b, g, r;
-  Channels(blue_red, green, b, g, r);
-  const VI32 b_g = hn::Add(hn::Mul(b, hn::Set(d32, kWeights.b)), hn::Mul(g, hn::Set(d32, kWeights.g)));
-  const VI32 sum = hn::Add(b_g, hn::Mul(r, hn::Set(d32, kWeights.r)));
-#endif
-  return kWeights.start == 0 ? sum : hn::Add(sum, hn::Set(d32, kWeights.start));
-#endif
-}
-
-template <Weights kWeights>
-HWY_INLINE VI32 Weigh(V32 pixels) {
-  VI16 blue_red, green;
-  SplitPixels(pixels, blue_red, green);
-  return Weigh<kWeights>(blue_red, green);
+HWY_INLINE VI32 Weigh(const Samples& samples) {
+  const VI32 start = hn::Set(DI32(), kWeights.start);
+  if constexpr (kWeights.b + kWeights.g + kWeights.r == 0) {
+    return AddWeighedPairs(start, hn::Sub(samples.blue_red, samples.green), kWeights.b, kWeights.r);
+  } else {
+    return AddWeighedPairs(AddWeighedPairs(start, samples.green, kWeights.g, 0), samples.blue_red, kWeights.b,
+                           kWeights.r);
+  }
 }
 
 // The integer parts of products. Single precision is enough where said.
@@ -154,30 +141,85 @@ struct Division {
   static_assert(kLeast * kDivisor < kOne);
 };
 
-// Quotients of up to 255, as bytes above kFractionBits bits, and where no remainder is left.
-template <int kDivisor, Weights kWeights, class... Source>
-HWY_INLINE MI32 Divide(VI32& quotient, const Source&... source) {
+// Quotients of up to 255, as bytes above kFractionBits bits.
+template <int kDivisor, Weights kWeights>
+HWY_INLINE VI32 Divide(const Samples& samples) {
   using Rule = Division<kDivisor>;
-  const DI32 d32;
   const DF32 df;
 #if HWY_NATIVE_FMA
-  const auto dividend = hn::BitCast(df, Weigh<kWeights.StartingLater(0x4B000000)>(source...));
+  const auto dividend = hn::BitCast(df, Weigh<kWeights.StartingLater(0x4B000000)>(samples));
 #else
-  const auto dividend = hn::ConvertTo(df, Weigh<kWeights>(source...));
+  const auto dividend = hn::ConvertTo(df, Weigh<kWeights>(samples));
 #endif
-  const auto product = hn::MulAdd(dividend, hn::Set(df, -Rule::kFactor), hn::Set(df, -Rule::kStart));
-  quotient = hn::BitCast(d32, product);
-  const VI32 remainder_mask = hn::Set(d32, Rule::kRemainderMask);
+  return hn::BitCast(DI32(), hn::MulAdd(dividend, hn::Set(df, -Rule::kFactor), hn::Set(df, -Rule::kStart)));
+}
+
+// Where a quotient has no remainder.
+template <int kDivisor>
+HWY_INLINE MI32 IsWhole(VI32 quotient) {
+  const VI32 mask = hn::Set(DI32(), Division<kDivisor>::kRemainderMask);
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-  return MI32{_mm512_testn_epi32_mask(quotient.raw, remainder_mask.raw)};
+  return MI32{_mm512_testn_epi32_mask(quotient.raw, mask.raw)};
 #else
-  return hn::Eq(hn::And(quotient, remainder_mask), hn::Zero(d32));
+  return hn::Eq(hn::And(quotient, mask), hn::Zero(DI32()));
 #endif
 }
 
-// Words whose low bytes are the quotients: products are negative.
-HWY_INLINE VI32 QuotientWords(VI32 quotient) { return hn::ShiftRight<kFractionBits>(quotient); }
+// Bits of the lanes of several vectors.
+template <size_t kVectors>
+HWY_INLINE uint64_t BitsOf(const MI32 (&masks)[kVectors]) {
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  if constexpr (kVectors == 4) {
+    return _mm512_kunpackd(_mm512_kunpackw(masks[3].raw, masks[2].raw),
+                           _mm512_kunpackw(masks[1].raw, masks[0].raw));
+  }
+#endif
+  uint64_t bits = 0;
+#pragma GCC unroll 4
+  for (size_t i = 0; i < kVectors; ++i) {
+    uint8_t of_vector[8] = {};
+    hn::StoreMaskBits(DI32(), masks[i], of_vector);
+    uint64_t word;
+    std::memcpy(&word, of_vector, 8);
+    bits |= word << i * kLanes32;
+  }
+  return bits;
+}
+
 HWY_INLINE VI32 AsQuotient(VI32 byte) { return hn::ShiftLeft<kFractionBits>(byte); }
+
+// Two to four quotients as bytes 0 to 3 of their lane. Products are negative, hence the cut.
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+// The eight bits of a quotient for each byte that the mask picks out of its 32-bit lane.
+HWY_INLINE V32 AddQuotientByte(V32 bytes, __mmask64 mask, VI32 quotient) {
+  const __m512i bits =
+      _mm512_set1_epi64(kFractionBits * 0x01010101 + (kFractionBits + 32) * 0x0101010100000000);
+  return V32{_mm512_mask_multishift_epi64_epi8(bytes.raw, mask, bits, quotient.raw)};
+}
+HWY_INLINE V32 QuotientBytes(VI32 q0, VI32 q1) {
+  const V32 any = hn::BitCast(D32(), q0);
+  return AddQuotientByte(AddQuotientByte(any, ~__mmask64{0}, q0), 0x2222222222222222, q1);
+}
+HWY_INLINE V32 QuotientBytes(VI32 q0, VI32 q1, VI32 q2) {
+  return AddQuotientByte(QuotientBytes(q0, q1), 0x4444444444444444, q2);
+}
+HWY_INLINE V32 QuotientBytes(VI32 q0, VI32 q1, VI32 q2, VI32 q3) {
+  return AddQuotientByte(QuotientBytes(q0, q1, q2), 0x8888888888888888, q3);
+}
+#else
+HWY_INLINE V32 QuotientBytes(VI32 q0, VI32 q1) {
+  const D32 d32;
+  const V32 low = hn::ShiftRight<kFractionBits>(hn::BitCast(d32, q0));
+  const V32 high = hn::ShiftRight<kFractionBits - 8>(hn::BitCast(d32, q1));
+  return hn::IfVecThenElse(hn::Set(d32, 0xFF), low, high);
+}
+HWY_INLINE V32 QuotientBytes(VI32 q0, VI32 q1, VI32 q2, VI32 q3) {
+  const D32 d32;
+  const V32 low = QuotientBytes(q0, q1);
+  const V32 high = hn::ShiftLeft<16>(QuotientBytes(q2, q3));
+  return hn::IfVecThenElse(hn::Set(d32, 0xFFFF), low, high);
+}
+#endif
 
 // The integer parts of a sum that is evaluated in doubles.
 template <class Sum>
@@ -191,7 +233,7 @@ HWY_INLINE VI32 InDoubles(VI32 b, VI32 g, VI32 r, const Sum& sum) {
   return hn::Combine(DI32(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
 }
 
-HWY_INLINE VI32 LumaInDoubles(V32 pixels, double scale) {
+HWY_INLINE VI32 LumaInDoubles(const Samples& pixels, double scale) {
   VI32 b, g, r;
   Channels(pixels, b, g, r);
   return InDoubles(b, g, r, [&](auto blue, auto green, auto red) PRISMO_INLINE {
@@ -236,117 +278,54 @@ HWY_INLINE V8 InSet(V8 v, const ByteSet& set) {
 // All grey pixels have integer sums. These are the greys whose luma lies below them.
 inline constexpr ByteSet kDarkerGreys([](int v) { return LumaOf(v, v, v) < v; });
 
-HWY_INLINE MI32 GreyPixels(V32 pixels) {
-  const V32 differences = hn::And(hn::Xor(pixels, hn::ShiftRight<8>(pixels)), hn::Set(D32(), 0xFFFF));
-  return hn::Eq(hn::BitCast(DI32(), differences), hn::Zero(DI32()));
+HWY_INLINE MI32 GreyPixels(const Samples& pixels) {
+  return hn::Eq(hn::BitCast(DI32(), pixels.blue_red), hn::BitCast(DI32(), pixels.green));
 }
 
 inline constexpr Weights kLumaWeights{114, 587, 299, 0};
 
-// Brings packed vectors that follow each other back into order: kPieces pieces from each 128-bit block.
-template <size_t kPieces>
-HWY_INLINE V8 InOrder(V8 packed) {
-  constexpr size_t kBlocks = kLanes / 16;
-  if constexpr (kBlocks == 1) {
-    return packed;
-  } else {
-    using T = std::conditional_t<kPieces == 4, uint32_t, uint64_t>;
-    const hn::ScalableTag<T> d;
-    HWY_ALIGN static constexpr auto kOrder = [] {
-      struct {
-        T index[kBlocks * kPieces];
-      } order{};
-      for (size_t i = 0; i < kBlocks * kPieces; ++i) order.index[i] = kPieces * (i % kBlocks) + i / kBlocks;
-      return order;
-    }();
-    const auto order = hn::SetTableIndices(d, kOrder.index);
-    return hn::BitCast(D8(), hn::TableLookupLanes(hn::BitCast(d, packed), order));
-  }
-}
+// Quotients without a remainder are rare, but not so rare that branches to look at each closer, hardly ever
+// foreseen, would cost little. A quick look leaves them as they are, tells in passing whether one of them may
+// be too high, which is much rarer, and then all are made again with a close look.
+enum class Look { kQuick, kClose };
 
-// How vectors of quotients are packed: one after the other, or so that 128-bit block q takes what the blocks
-// q of the vectors hold, one after the other, or in the order that costs least.
-enum class Packing { kPixels, kBlocks, kCheap };
-inline constexpr Order kCheapOrder = CheapOrder(Order::kFromQuarters);
+constexpr bool SeveralIn(uint64_t bits) { return (bits & (bits - 1)) != 0; }
 
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
-
-template <Packing kPacking>
-HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
-  // Eight bits for each byte: those of a quotient go into byte i of its 32-bit lane.
-  const __m512i bits =
-      _mm512_set1_epi64(kFractionBits * 0x01010101 + (kFractionBits + 32) * 0x0101010100000000);
-  __m512i packed = _mm512_multishift_epi64_epi8(bits, v[0].raw);
-  packed = _mm512_mask_multishift_epi64_epi8(packed, 0x2222222222222222, bits, v[1].raw);
-  packed = _mm512_mask_multishift_epi64_epi8(packed, 0x4444444444444444, bits, v[2].raw);
-  packed = _mm512_mask_multishift_epi64_epi8(packed, 0x8888888888888888, bits, v[3].raw);
-  if constexpr (kPacking == Packing::kCheap) {
-    return V8{packed};
-  } else {
-    alignas(64) static constexpr auto kPlaces = [] {
-      struct {
-        uint8_t index[64];
-      } places{};
-      for (size_t i = 0; i < 64; ++i) {
-        const size_t pixel = kPacking == Packing::kPixels ? i : i / 4 % 4 * 16 + i / 16 * 4 + i % 4;
-        places.index[i] = static_cast<uint8_t>(PlaceOf<Order::kFromQuarters>(pixel));
-      }
-      return places;
-    }();
-    return V8{_mm512_permutexvar_epi8(_mm512_load_si512(kPlaces.index), packed)};
-  }
-}
-
-#else
-
-template <Packing kPacking>
-HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
-  const DI16 d16;
-  const VI16 byte = hn::Set(d16, 0xFF);
-  const auto words = [&](VI32 a, VI32 b) PRISMO_INLINE {
-    return hn::And(hn::ReorderDemote2To(d16, QuotientWords(a), QuotientWords(b)), byte);
-  };
-  const VI16 low = words(v[0], v[1]), high = words(v[2], v[3]);
-  const V8 packed = ClampToBytes(low, high);
-  return kPacking == Packing::kBlocks ? packed : InOrder<4>(packed);
-}
-
-#endif
-
-// Lumas of four vectors of pixels, packed.
-template <Packing kPacking>
-HWY_INLINE V8 LumaBytes(const V32 (&pixels)[4]) {
+HWY_INLINE VI32 CloserLuma(VI32 luma, const Samples& pixels) {
   const DI32 d32;
-  const D8 d8;
-  VI32 luma[4];
-  MI32 whole[4];
-  for (size_t i = 0; i < 4; ++i) whole[i] = Divide<1000, kLumaWeights>(luma[i], pixels[i]);
-  const MI32 any_whole = hn::Or(hn::Or(whole[0], whole[1]), hn::Or(whole[2], whole[3]));
-  if (HWY_LIKELY(hn::AllFalse(d32, any_whole))) return PackQuotients<kPacking>(luma);
+  const MI32 grey = GreyPixels(pixels);
+  if (!hn::AllFalse(d32, hn::AndNot(grey, IsWhole<1000>(luma)))) return AsQuotient(LumaInDoubles(pixels, 1));
+  const VI32 darker = hn::BitCast(d32, InSet(hn::BitCast(D8(), pixels.green), kDarkerGreys));
+  const MI32 lower = hn::And(grey, hn::Ne(hn::And(darker, hn::Set(d32, 0xFF)), hn::Zero(d32)));
+  return hn::Sub(luma, hn::IfThenElseZero(lower, AsQuotient(hn::Set(d32, 1))));
+}
 
-  VI32 one_if_grey[4];
-  for (size_t i = 0; i < 4; ++i) {
-    const MI32 grey = GreyPixels(pixels[i]);
-    one_if_grey[i] = hn::IfThenElseZero(grey, AsQuotient(hn::Set(d32, 1)));
-    if (!hn::AllFalse(d32, hn::AndNot(grey, whole[i]))) {
-      luma[i] = AsQuotient(LumaInDoubles(pixels[i], 1));
-      one_if_grey[i] = hn::Zero(d32);
-    }
+// Lumas of vectors of pixels, as quotients. pixel_of(i) is where the pixel of lane i starts in memory.
+// Unrolled, or the arrays would live in memory.
+template <Look kLook, size_t kVectors, class PixelOf>
+HWY_INLINE bool Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors], const PixelOf& pixel_of) {
+  MI32 whole[kVectors];
+#pragma GCC unroll 4
+  for (size_t i = 0; i < kVectors; ++i) {
+    luma[i] = Divide<1000, kLumaWeights>(pixels[i]);
+    if constexpr (kLook == Look::kClose) luma[i] = CloserLuma(luma[i], pixels[i]);
+    whole[i] = IsWhole<1000>(luma[i]);
   }
-  const V8 bytes = PackQuotients<kPacking>(luma);
-  const auto darker = hn::Ne(InSet(bytes, kDarkerGreys), hn::Zero(d8));
-  return hn::Sub(bytes, hn::IfThenElseZero(darker, PackQuotients<kPacking>(one_if_grey)));
+  const uint64_t bits = BitsOf(whole);
+  uint16_t blue_green;
+  std::memcpy(&blue_green, pixel_of(static_cast<size_t>(std::countr_zero(bits)) % (kVectors * kLanes32)), 2);
+  return !((bits != 0) & kLowerLumas.Contain(blue_green) | SeveralIn(bits));
 }
 
 // Luma of 16 bits, of which fewer can be taken.
-HWY_INLINE VI32 LumaWords(V32 pixels) {
+HWY_INLINE VI32 LumaWords(const Samples& samples) {
   const DI32 d32;
-  const VI32 sum = Weigh<kLumaWeights>(pixels);
+  const VI32 sum = Weigh<kLumaWeights>(samples);
   VI32 luma = TruncatedProduct(sum, 0.256F);  // exact for all sums
   const MI32 whole = hn::Eq(hn::Mul(luma, hn::Set(d32, 125)), hn::ShiftLeft<5>(sum));
   if (hn::AllFalse(d32, whole)) return luma;
-  const MI32 grey = GreyPixels(pixels);
-  if (!hn::AllFalse(d32, hn::AndNot(grey, whole))) return LumaInDoubles(pixels, 256);
+  const MI32 grey = GreyPixels(samples);
+  if (!hn::AllFalse(d32, hn::AndNot(grey, whole))) return LumaInDoubles(samples, 256);
   const VI32 darker = hn::BitCast(d32, InSet(hn::BitCast(D8(), hn::ShiftRight<8>(luma)), kDarkerGreys));
   return hn::Sub(luma, hn::IfThenElseZero(hn::And(grey, hn::Ne(darker, hn::Zero(d32))), hn::Set(d32, 1)));
 }
@@ -366,12 +345,22 @@ inline constexpr ByteSet kLowerU([](int v) {
   return ChromaUOf<kPixels>(green, green, green) < 128;
 });
 
-// A closer look at quotients that are whole.
+// Of one pixel: how much less blue than this its U needs to be lower.
+inline constexpr auto kLowerUBelow = [] {
+  struct {
+    uint16_t blue[256];
+  } below{};
+  for (int v = 0; v < 256; ++v)
+    below.blue[v] = ChromaUOf<1>(v, v, v) < 128 ? static_cast<uint16_t>(v + 1) : 0;
+  return below;
+}();
+
 template <int kPixels>
-HWY_INLINE VI32 CloserU(VI32 u, MI32 whole, VI16 blue_red, VI16 green) {
+HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
   const DI32 d32;
   VI32 b, g, r;
-  Channels(blue_red, green, b, g, r);
+  Channels(sums, b, g, r);
+  const MI32 whole = IsWhole<1000 * kPixels>(u);
   if (!hn::AllFalse(d32, hn::AndNot(hn::Eq(g, r), whole))) {
     return AsQuotient(ChromaUInDoubles<kPixels>(b, g, r));
   }
@@ -381,31 +370,33 @@ HWY_INLINE VI32 CloserU(VI32 u, MI32 whole, VI16 blue_red, VI16 green) {
   return hn::Sub(u, hn::IfThenElseZero(hn::And(whole, known), AsQuotient(hn::Set(d32, 1))));
 }
 
-// U, as quotients, of sums of kPixels pixels. Unrolled, or the arrays would live in memory.
-template <int kPixels, size_t kVectors>
-HWY_INLINE void ChromaU(const VI16 (&blue_red)[kVectors], const VI16 (&green)[kVectors],
-                        VI32 (&u)[kVectors]) {
-  const DI32 d32;
+// U, as quotients, of sums of kPixels pixels. Those of several are hardly ever whole.
+template <int kPixels, Look kLook, size_t kVectors, class PixelOf>
+HWY_INLINE bool ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], const PixelOf& pixel_of) {
   MI32 whole[kVectors], any_whole;
 #pragma GCC unroll 4
   for (size_t i = 0; i < kVectors; ++i) {
-    whole[i] = Divide<1000 * kPixels, kUWeights<kPixels>>(u[i], blue_red[i], green[i]);
+    u[i] = Divide<1000 * kPixels, kUWeights<kPixels>>(sums[i]);
+    if constexpr (kLook == Look::kClose) u[i] = CloserU<kPixels>(u[i], sums[i]);
+    whole[i] = IsWhole<1000 * kPixels>(u[i]);
     any_whole = i == 0 ? whole[0] : hn::Or(any_whole, whole[i]);
   }
-  if (HWY_LIKELY(hn::AllFalse(d32, any_whole))) return;
-#pragma GCC unroll 4
-  for (size_t i = 0; i < kVectors; ++i) {
-    if (!hn::AllFalse(d32, whole[i])) u[i] = CloserU<kPixels>(u[i], whole[i], blue_red[i], green[i]);
+  if constexpr (kPixels == 1) {
+    const uint64_t bits = BitsOf(whole);
+    const uint8_t* const first =
+        pixel_of(static_cast<size_t>(std::countr_zero(bits)) % (kVectors * kLanes32));
+    return !((bits != 0) & (first[0] < kLowerUBelow.blue[first[1]]) | SeveralIn(bits));
+  } else {
+    return hn::AllFalse(DI32(), any_whole);
   }
 }
 
 // V, as quotients as well, whose doubles never lie below an integer.
 template <int kPixels, size_t kVectors>
-HWY_INLINE void ChromaV(const VI16 (&blue_red)[kVectors], const VI16 (&green)[kVectors],
-                        VI32 (&v)[kVectors]) {
+HWY_INLINE void ChromaV(const Samples (&sums)[kVectors], VI32 (&v)[kVectors]) {
 #pragma GCC unroll 4
   for (size_t i = 0; i < kVectors; ++i) {
-    Divide<1000 * kPixels, kVWeights<kPixels>>(v[i], blue_red[i], green[i]);
+    v[i] = Divide<1000 * kPixels, kVWeights<kPixels>>(sums[i]);
   }
 }
 

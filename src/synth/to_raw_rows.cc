@@ -133,13 +133,12 @@ using ToYuv411 = ToYuv<kPixelBytes, 4>;
 
 #else
 
-inline constexpr size_t kLanes32 = kLanes / 4;  // pixels that one vector of 32-bit lanes holds
-
+// B G R G of each pixel.
 struct BgrToLanes {
   static constexpr size_t kIn = 3 * kPart;
   static constexpr size_t kOut = 4 * kPart;
 
-  static constexpr size_t SourceOf(size_t i) { return i % 4 == 3 ? kNowhere : i / 4 * 3 + i % 4; }
+  static constexpr size_t SourceOf(size_t i) { return i / 4 * 3 + (i % 4 == 3 ? 1 : i % 4); }
 };
 
 // Vector kVector of the pixels that start at `from`.
@@ -154,22 +153,47 @@ HWY_INLINE V32 LoadPixels(const uint8_t* from) {
   }
 }
 
-// Sums of neighbouring 32-bit lanes, out of order as packed ones are.
-HWY_INLINE VI16 AddNeighbours(VI16 a, VI16 b) {
+// Splits two vectors into lanes at even and at odd places. Those of `b` follow in each 128-bit block.
+HWY_INLINE void SplitLanes(V32 a, V32 b, V32& even, V32& odd) {
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
   const __m512 x = _mm512_castsi512_ps(a.raw), y = _mm512_castsi512_ps(b.raw);
-  const VI16 even{_mm512_castps_si512(_mm512_shuffle_ps(x, y, _MM_SHUFFLE(2, 0, 2, 0)))};
-  const VI16 odd{_mm512_castps_si512(_mm512_shuffle_ps(x, y, _MM_SHUFFLE(3, 1, 3, 1)))};
+  even = V32{_mm512_castps_si512(_mm512_shuffle_ps(x, y, _MM_SHUFFLE(2, 0, 2, 0)))};
+  odd = V32{_mm512_castps_si512(_mm512_shuffle_ps(x, y, _MM_SHUFFLE(3, 1, 3, 1)))};
 #elif HWY_TARGET == HWY_AVX2
   const __m256 x = _mm256_castsi256_ps(a.raw), y = _mm256_castsi256_ps(b.raw);
-  const VI16 even{_mm256_castps_si256(_mm256_shuffle_ps(x, y, _MM_SHUFFLE(2, 0, 2, 0)))};
-  const VI16 odd{_mm256_castps_si256(_mm256_shuffle_ps(x, y, _MM_SHUFFLE(3, 1, 3, 1)))};
+  even = V32{_mm256_castps_si256(_mm256_shuffle_ps(x, y, _MM_SHUFFLE(2, 0, 2, 0)))};
+  odd = V32{_mm256_castps_si256(_mm256_shuffle_ps(x, y, _MM_SHUFFLE(3, 1, 3, 1)))};
 #else
-  const V32 x = hn::BitCast(D32(), a), y = hn::BitCast(D32(), b);
-  const VI16 even = hn::BitCast(DI16(), hn::ConcatEven(D32(), y, x));
-  const VI16 odd = hn::BitCast(DI16(), hn::ConcatOdd(D32(), y, x));
+  even = hn::ConcatEven(D32(), b, a);
+  odd = hn::ConcatOdd(D32(), b, a);
 #endif
-  return hn::Add(even, odd);
+}
+
+// Brings what SplitLanes left back into order: kPieces pieces from each 128-bit block.
+template <size_t kPieces>
+HWY_INLINE V8 InOrder(V8 split) {
+  constexpr size_t kBlocks = kLanes / 16;
+  if constexpr (kBlocks == 1) {
+    return split;
+  } else {
+    using T = std::conditional_t<kPieces == 4, uint32_t, uint64_t>;
+    const hn::ScalableTag<T> d;
+    HWY_ALIGN static constexpr auto kOrder = [] {
+      struct {
+        T index[kBlocks * kPieces];
+      } order{};
+      for (size_t i = 0; i < kBlocks * kPieces; ++i) order.index[i] = kPieces * (i % kBlocks) + i / kBlocks;
+      return order;
+    }();
+    const auto order = hn::SetTableIndices(d, kOrder.index);
+    return hn::BitCast(D8(), hn::TableLookupLanes(hn::BitCast(d, split), order));
+  }
+}
+
+HWY_INLINE V8 LowWordsInOrder(V32 a, V32 b) {
+  const auto in_order = [](V32 v)
+                            PRISMO_INLINE { return hn::BitCast(D16(), InOrder<4>(hn::BitCast(D8(), v))); };
+  return hn::BitCast(D8(), hn::ConcatEven(D16(), in_order(b), in_order(a)));
 }
 
 // The pixels whose samples one vector of bytes holds: vectors 4 kStep and following.
@@ -181,25 +205,129 @@ HWY_INLINE void LoadStep(const uint8_t* from, V32 (&pixels)[4]) {
   pixels[3] = LoadPixels<kPixelBytes, 4 * kStep + 3>(from);
 }
 
-// Sums of neighbouring pixels.
-HWY_INLINE void AddPairs(const V32 (&pixels)[4], VI16 (&blue_red)[2], VI16 (&green)[2]) {
-  for (size_t i = 0; i < 2; ++i) {
-    VI16 blue_red0, green0, blue_red1, green1;
-    SplitPixels(pixels[2 * i], blue_red0, green0);
-    SplitPixels(pixels[2 * i + 1], blue_red1, green1);
-    blue_red[i] = AddNeighbours(blue_red0, blue_red1);
-    green[i] = AddNeighbours(green0, green1);
+template <size_t kPixelBytes>
+HWY_INLINE Samples SamplesIn(V32 pixels) {
+  return SamplesOf<kPixelBytes == 3>(pixels);
+}
+
+template <size_t kPixelBytes, size_t kStep>
+HWY_INLINE void LoadSamples(const uint8_t* from, Samples (&samples)[4]) {
+  V32 pixels[4];
+  LoadStep<kPixelBytes, kStep>(from, pixels);
+  for (size_t i = 0; i < 4; ++i) samples[i] = SamplesIn<kPixelBytes>(pixels[i]);
+}
+
+// Where the pixels of a step start in memory: pixel kPlaceOf(i) is in lane i of its vectors.
+constexpr size_t InOrderAlready(size_t lane) { return lane; }
+constexpr size_t BeforeSplit(size_t lane) {
+  const size_t vector = lane / kLanes32, in_vector = lane % kLanes32, piece = in_vector % 4;
+  return (vector / 2 * 2 + piece / 2) * kLanes32 + in_vector / 4 * 4 + piece % 2 * 2 + vector % 2;
+}
+constexpr size_t BeforeGrouping(size_t lane) {
+  const size_t group = lane % kLanes32;
+  return group % 4 * kLanes32 + group / 4 * 4 + lane / kLanes32;
+}
+
+template <size_t kPixelBytes, size_t (*kPlaceOf)(size_t) = &InOrderAlready>
+struct PixelsFrom {
+  const uint8_t* first;
+
+  HWY_INLINE const uint8_t* operator()(size_t lane) const {
+    static constexpr auto kOffsets = [] {
+      struct {
+        uint8_t of[kLanes];
+      } offsets{};
+      for (size_t i = 0; i < kLanes; ++i) offsets.of[i] = static_cast<uint8_t>(kPixelBytes * kPlaceOf(i));
+      return offsets;
+    }();
+    return first + kOffsets.of[lane];
   }
+};
+
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+
+HWY_INLINE V8 InPixelOrder(V32 four_vectors) {
+  alignas(64) static constexpr auto kPlaces = [] {
+    struct {
+      uint8_t index[64];
+    } places{};
+    for (size_t i = 0; i < 64; ++i) places.index[i] = static_cast<uint8_t>(i % 16 * 4 + i / 16);
+    return places;
+  }();
+  return V8{_mm512_permutexvar_epi8(_mm512_load_si512(kPlaces.index), four_vectors.raw)};
+}
+
+HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
+  return InPixelOrder(QuotientBytes(v[0], v[1], v[2], v[3]));
+}
+
+// Bytes 0 to 2 of each lane, one after the other: output i takes what vectors i and i + 1 leave it.
+template <StoreKind kStores, size_t kOut = 0>
+HWY_INLINE void StoreTriples(uint8_t* to, const V32 (&lanes)[4]) {
+  alignas(64) static constexpr auto kPlaces = [] {
+    struct {
+      uint8_t index[64];
+    } places{};
+    for (size_t i = 0; i < 64; ++i) {
+      const size_t byte = 64 * kOut + i - 48 * kOut;
+      places.index[i] = static_cast<uint8_t>(byte / 3 * 4 + byte % 3);
+    }
+    return places;
+  }();
+  const __m512i places = _mm512_load_si512(kPlaces.index);
+  Put<kStores>(V8{_mm512_permutex2var_epi8(lanes[kOut].raw, places, lanes[kOut + 1].raw)}, D8(),
+               to + kLanes * kOut);
+  if constexpr (kOut < 2) StoreTriples<kStores, kOut + 1>(to, lanes);
+}
+
+#else
+
+HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
+  const DI16 d16;
+  const VI16 byte = hn::Set(d16, 0xFF);
+  const auto words = [&](VI32 a, VI32 b) PRISMO_INLINE {
+    return hn::And(
+        hn::ReorderDemote2To(d16, hn::ShiftRight<kFractionBits>(a), hn::ShiftRight<kFractionBits>(b)), byte);
+  };
+  const VI16 low = words(v[0], v[1]), high = words(v[2], v[3]);
+  return InOrder<4>(ClampToBytes(low, high));
+}
+
+#endif
+
+// Apart from the loop, whose registers it would take.
+template <class Maker, StoreKind kStores, size_t kStep>
+HWY_INLINE void MakeStepCloser(const Maker& maker, uint8_t* to, const uint8_t* from) {
+  asm("" : "+r"(to), "+r"(from));
+  maker.template Step<kStores, kStep, Look::kClose>(to, from);
+}
+
+// A maker has Step<kStores, kStep, kLook>(to, from), which makes what Block does, step by step, if the look
+// is close enough; if not, it stores nothing and says so.
+template <StoreKind kStores, size_t kSteps, class Maker, size_t kStep = 0>
+HWY_INLINE void MakeSteps(const Maker& maker, uint8_t* to, const uint8_t* from) {
+  const bool made = maker.template Step<kStores, kStep, Look::kQuick>(to, from);
+  if (HWY_UNLIKELY(!made)) MakeStepCloser<Maker, kStores, kStep>(maker, to, from);
+  if constexpr (kStep + 1 < kSteps) MakeSteps<kStores, kSteps, Maker, kStep + 1>(maker, to, from);
 }
 
 template <size_t kPixelBytes>
 struct ToMono8 : Target<kPixelBytes, 1, 1> {
-  template <StoreKind kStores, size_t kStep = 0>
-  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    V32 pixels[4];
-    LoadStep<kPixelBytes, kStep>(from, pixels);
-    Put<kStores>(LumaBytes<Packing::kPixels>(pixels), D8(), to + kStep * kLanes);
-    if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
+  template <StoreKind kStores>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    MakeSteps<kStores, kPart / kLanes>(*this, to, from);
+  }
+
+  template <StoreKind kStores, size_t kStep, Look kLook>
+  HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
+    Samples samples[4];
+    LoadSamples<kPixelBytes, kStep>(from, samples);
+    VI32 luma[4];
+    const bool sure =
+        Luma<kLook>(samples, luma, PixelsFrom<kPixelBytes>{from + kPixelBytes * kLanes * kStep});
+    if (kLook == Look::kQuick && !sure) return false;
+    Put<kStores>(PackQuotients(luma), D8(), to + kStep * kLanes);
+    return true;
   }
 };
 
@@ -207,8 +335,8 @@ template <size_t kPixelBytes>
 struct ToMonoN : Target<kPixelBytes, 1, 2> {
   template <StoreKind kStores, size_t kVector = 0>
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    const VI32 low = LumaWords(LoadPixels<kPixelBytes, kVector>(from));
-    const VI32 high = LumaWords(LoadPixels<kPixelBytes, kVector + 1>(from));
+    const VI32 low = LumaWords(SamplesIn<kPixelBytes>(LoadPixels<kPixelBytes, kVector>(from)));
+    const VI32 high = LumaWords(SamplesIn<kPixelBytes>(LoadPixels<kPixelBytes, kVector + 1>(from)));
     const V16 words = hn::ConcatEven(D16(), hn::BitCast(D16(), high), hn::BitCast(D16(), low));
     const V16 samples = hn::ShiftRightSame(words, 8 - static_cast<int>(this->extra_bits));
     Put<kStores>(hn::BitCast(D8(), samples), D8(), to + kVector / 2 * kLanes);
@@ -234,81 +362,104 @@ struct ToThreeWords : Target<kPixelBytes, 1, 6> {
 
 template <size_t kPixelBytes>
 struct ToYuv444 : Target<kPixelBytes, 1, 3> {
-  template <StoreKind kStores, size_t kStep = 0>
-  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    V32 pixels[4];
-    LoadStep<kPixelBytes, kStep>(from, pixels);
-    VI16 blue_red[4], green[4];
-    for (size_t i = 0; i < 4; ++i) SplitPixels(pixels[i], blue_red[i], green[i]);
-    VI32 u[4], v[4];
-    ChromaU<1>(blue_red, green, u);
-    ChromaV<1>(blue_red, green, v);
-    const PackedSink<3, kCheapOrder> sink{to + 3 * kLanes * kStep};
-    sink.template Store<kStores>(0, PackQuotients<Packing::kCheap>(u), LumaBytes<Packing::kCheap>(pixels),
-                                 PackQuotients<Packing::kCheap>(v));
-    if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
+  template <StoreKind kStores>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    MakeSteps<kStores, kPart / kLanes>(*this, to, from);
+  }
+
+  template <StoreKind kStores, size_t kStep, Look kLook>
+  HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
+    Samples samples[4];
+    LoadSamples<kPixelBytes, kStep>(from, samples);
+    const PixelsFrom<kPixelBytes> pixel_of{from + kPixelBytes * kLanes * kStep};
+    VI32 luma[4], u[4], v[4];
+    const bool sure = Luma<kLook>(samples, luma, pixel_of) & ChromaU<1, kLook>(samples, u, pixel_of);
+    ChromaV<1>(samples, v);
+    if (kLook == Look::kQuick && !sure) return false;
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+    V32 lanes[4];
+    for (size_t i = 0; i < 4; ++i) lanes[i] = QuotientBytes(u[i], luma[i], v[i]);
+    StoreTriples<kStores>(to + 3 * kLanes * kStep, lanes);
+#else
+    const BgrSink sink{to + 3 * kLanes * kStep};
+    sink.Store<kStores>(0, PackQuotients(u), PackQuotients(luma), PackQuotients(v));
+#endif
+    return true;
   }
 };
 
 template <size_t kPixelBytes>
 struct ToYuv422 : Target<kPixelBytes, 2, 4> {
-  template <StoreKind kStores, size_t kStep = 0>
-  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
+  template <StoreKind kStores>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    MakeSteps<kStores, kPart / kLanes>(*this, to, from);
+  }
+
+  template <StoreKind kStores, size_t kStep, Look kLook>
+  HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
     V32 pixels[4];
     LoadStep<kPixelBytes, kStep>(from, pixels);
-    VI16 blue_red[2], green[2];
-    AddPairs(pixels, blue_red, green);
-    const DI16 d16;
-    const D8 d8;
-    VI32 u[2], v[2];
-    ChromaU<2>(blue_red, green, u);
-    ChromaV<2>(blue_red, green, v);
-    const VI16 u_words = hn::ReorderDemote2To(d16, QuotientWords(u[0]), QuotientWords(u[1]));
-    const VI16 v_words = hn::ReorderDemote2To(d16, QuotientWords(v[0]), QuotientWords(v[1]));
-    const V8 uv = hn::BitCast(d8, hn::OrAnd(hn::ShiftLeft<8>(v_words), u_words, hn::Set(d16, 0xFF)));
-    const V8 luma = LumaBytes<Packing::kBlocks>(pixels);
-    uint8_t* at = to + 2 * kLanes * kStep;
-    Put<kStores>(InOrder<2>(hn::InterleaveLower(d8, uv, luma)), d8, at);
-    Put<kStores>(InOrder<2>(hn::InterleaveUpper(d8, uv, luma)), d8, at + kLanes);
-    if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
+    Samples samples[4], sums[2];
+    for (size_t i = 0; i < 2; ++i) {
+      V32 even, odd;
+      SplitLanes(pixels[2 * i], pixels[2 * i + 1], even, odd);
+      samples[2 * i] = SamplesIn<kPixelBytes>(even);
+      samples[2 * i + 1] = SamplesIn<kPixelBytes>(odd);
+      sums[i] = Sum(samples[2 * i], samples[2 * i + 1]);
+    }
+    const PixelsFrom<kPixelBytes, &BeforeSplit> pixel_of{from + kPixelBytes * kLanes * kStep};
+    VI32 luma[4], u[2], v[2];
+    const bool sure = Luma<kLook>(samples, luma, pixel_of) & ChromaU<2, kLook>(sums, u, pixel_of);
+    ChromaV<2>(sums, v);
+    if (kLook == Look::kQuick && !sure) return false;
+    for (size_t i = 0; i < 2; ++i) {
+      const V32 groups = QuotientBytes(u[i], luma[2 * i], v[i], luma[2 * i + 1]);
+      Put<kStores>(InOrder<2>(hn::BitCast(D8(), groups)), D8(), to + (2 * kStep + i) * kLanes);
+    }
+    return true;
   }
 };
 
 template <size_t kPixelBytes>
 struct ToYuv411 : Target<kPixelBytes, 4, 6, 2 * kPart> {
-  template <StoreKind kStores, size_t kStep = 0>
-  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    V8 first_luma, second_luma;
-    V32 first_uv, second_uv;
-    Quads<kStep>(from, first_luma, first_uv);
-    Quads<kStep + 1>(from, second_luma, second_uv);
-    // Each byte of chroma comes before two of luma.
-    const D16 d16;
-    const V16 first = hn::BitCast(d16, first_luma), second = hn::BitCast(d16, second_luma);
-    const V16 chroma = hn::ConcatEven(d16, hn::BitCast(d16, second_uv), hn::BitCast(d16, first_uv));
-    const BgrSink sink{to + 3 * kLanes / 2 * kStep};
-    sink.Store<kStores>(0, hn::BitCast(D8(), chroma), LowBytes(first, second),
-                        LowBytes(hn::ShiftRight<8>(first), hn::ShiftRight<8>(second)));
-    if constexpr ((kStep + 2) * kLanes < 2 * kPart) Block<kStores, kStep + 2>(to, from, x);
+  template <StoreKind kStores>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
+    MakeSteps<kStores, kPart / kLanes>(*this, to, from);
+  }
+
+  // Twice as many pixels as in other steps: their groups fill whole vectors.
+  template <StoreKind kStores, size_t kStep, Look kLook>
+  HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
+    V32 words[2][3];
+    const bool sure = Groups<2 * kStep, kLook>(from, words[0]) & Groups<2 * kStep + 1, kLook>(from, words[1]);
+    if (kLook == Look::kQuick && !sure) return false;
+    const BgrSink sink{to + 3 * kLanes * kStep};
+    sink.Store<kStores>(0, LowWordsInOrder(words[0][0], words[1][0]),
+                        LowWordsInOrder(words[0][1], words[1][1]), LowWordsInOrder(words[0][2], words[1][2]));
+    return true;
   }
 
  private:
-  // Lumas of one step, and U and V of its groups as the low bytes of 32-bit lanes.
-  template <size_t kStep>
-  static HWY_INLINE void Quads(const uint8_t* from, V8& luma, V32& uv) {
-    V32 pixels[4];
-    LoadStep<kPixelBytes, kStep>(from, pixels);
-    luma = LumaBytes<Packing::kPixels>(pixels);
-    VI16 blue_red[2], green[2];
-    AddPairs(pixels, blue_red, green);
-    const VI16 quad_blue_red[1] = {AddNeighbours(blue_red[0], blue_red[1])};
-    const VI16 quad_green[1] = {AddNeighbours(green[0], green[1])};
-    VI32 u[1], v[1];
-    ChromaU<4>(quad_blue_red, quad_green, u);
-    ChromaV<4>(quad_blue_red, quad_green, v);
-    const VI32 packed =
-        hn::OrAnd(hn::ShiftLeft<8>(QuotientWords(v[0])), QuotientWords(u[0]), hn::Set(DI32(), 0xFF));
-    uv = hn::BitCast(D32(), InOrder<4>(hn::BitCast(D8(), packed)));
+  // Each byte of chroma comes before two of luma: U and V, the lumas behind each, and those behind these, as
+  // low words. Lane q of block p is group p of vector q.
+  template <size_t kVector, Look kLook>
+  static HWY_INLINE bool Groups(const uint8_t* from, V32 (&words)[3]) {
+    V32 pixels[4], even[2], odd[2], of_group[4];
+    LoadStep<kPixelBytes, kVector>(from, pixels);
+    for (size_t i = 0; i < 2; ++i) SplitLanes(pixels[2 * i], pixels[2 * i + 1], even[i], odd[i]);
+    SplitLanes(even[0], even[1], of_group[0], of_group[2]);
+    SplitLanes(odd[0], odd[1], of_group[1], of_group[3]);
+    const Samples quad[4] = {SamplesIn<kPixelBytes>(of_group[0]), SamplesIn<kPixelBytes>(of_group[1]),
+                             SamplesIn<kPixelBytes>(of_group[2]), SamplesIn<kPixelBytes>(of_group[3])};
+    const Samples sums[1] = {Sum(Sum(quad[0], quad[1]), Sum(quad[2], quad[3]))};
+    VI32 luma[4], u[1], v[1];
+    const PixelsFrom<kPixelBytes, &BeforeGrouping> pixel_of{from + kPixelBytes * kLanes * kVector};
+    const bool sure = Luma<kLook>(quad, luma, pixel_of) & ChromaU<4, kLook>(sums, u, pixel_of);
+    ChromaV<4>(sums, v);
+    words[0] = QuotientBytes(u[0], v[0]);
+    words[1] = QuotientBytes(luma[0], luma[2]);
+    words[2] = QuotientBytes(luma[1], luma[3]);
+    return sure;
   }
 };
 
