@@ -10,7 +10,7 @@ namespace prismo {
 namespace {
 
 // Rows of words that are used in turn: those of the present row and of a few above, or below, it.
-template <uint32_t kRows>
+template <uint32_t kRows, uint32_t kWords>
 class Slots {
  public:
   explicit Slots(uint32_t first_column) {
@@ -30,8 +30,8 @@ class Slots {
   }
 
  private:
-  struct alignas(64) Words {  // a pair of rows
-    int16_t at[2 * kSplitPitch];
+  struct alignas(64) Words {
+    int16_t at[kWords];
   };
 
   uint32_t present_ = 0;
@@ -106,8 +106,8 @@ class Ring {
   const ColumnRange columns_;        // of samples
   const ColumnRange green_columns_;  // of greens for colours
   uint32_t row_;                     // whose greens came last
-  Slots<5> samples_;
-  Slots<3> greens_;
+  Slots<5, 2 * kSplitPitch> samples_;
+  Slots<3, kSplitPitch> greens_;
 };
 
 // Rows of a tile, whose source stays in the second-level cache from one strip to the next.

@@ -64,21 +64,6 @@ HWY_INLINE V8 Block(VSite at_green, VSite at_other, bool starts_green) {
   return starts_green ? Alternate(at_green, at_other) : Alternate(at_other, at_green);
 }
 
-// What stands one column to the west and one to the east of some sites.
-struct Neighbours {
-  VSite west, east;
-};
-
-// Words of a row, from a block's first column on.
-struct BlockWords {
-  const int16_t* from[2];  // columns 0, 2, 4 ... of the block, and 1, 3, 5 ...
-
-  // Every second column from `column` of the block on.
-  HWY_INLINE VSite At(ptrdiff_t column) const { return hn::LoadU(DSite(), from[column & 1] + (column >> 1)); }
-  // The columns beside these.
-  HWY_INLINE Neighbours Beside(ptrdiff_t column) const { return {At(column - 1), At(column + 1)}; }
-};
-
 // For block number `block` from column x on; where blocks are of one site, x is the column itself.
 HWY_INLINE BlockWords WordsAt(const int16_t* even, const int16_t* odd, size_t x, bool x_is_odd,
                               size_t block) {
@@ -126,16 +111,13 @@ HWY_INLINE ColourRows LoadedRows(const ColourLines& lines, const GreenLines& bel
 
 // The same for a block.
 struct ColourWords {
-  BlockWords raw[3], green[3], difference[3];
+  BlockWords raw[3], green[3];
 
   HWY_INLINE ColourWords(const ColourRows& rows, size_t x, bool odd, size_t block)
       : raw{Raw(rows.even[0], x, odd, block), Raw(rows.even[1], x, odd, block),
             Raw(rows.even[2], x, odd, block)},
         green{Sites(rows.greens[0], x, odd, block), Sites(rows.greens[1], x, odd, block),
-              Sites(rows.greens[2], x, odd, block)},
-        difference{Sites(rows.greens[0] + kSplitPitch, x, odd, block),
-                   Sites(rows.greens[1] + kSplitPitch, x, odd, block),
-                   Sites(rows.greens[2] + kSplitPitch, x, odd, block)} {}
+              Sites(rows.greens[2], x, odd, block)} {}
 
  private:
   static HWY_INLINE BlockWords Raw(const int16_t* even, size_t x, bool odd, size_t block) {
@@ -146,19 +128,36 @@ struct ColourWords {
   }
 };
 
+// What colours are interpolated from, where there are two of them around a site: twice a sample less its
+// green.
+HWY_INLINE VSite Difference(VSite sample, VSite green) { return hn::Sub(hn::Add(sample, sample), green); }
+
 // What a block's colours are interpolated from, beside its own samples and greens.
 struct Surroundings {
   Neighbours above, under;  // of sites that are not green, in the rows above and below: samples
-  Neighbours green_above, green_under, difference_above, difference_under;
-  Neighbours difference;                     // of green sites, in their own row
-  VSite difference_north, difference_south;  // of green sites
+  Neighbours green_above, green_under;
+  Neighbours difference;  // of green sites, in their own row
+  VSite north, south;     // of green sites: samples
+  VSite green_north, green_south;
 };
 
-// Loaded from words; `c` is the block's first column that is not green, `g` the first that is.
+// Loaded from words; `c` is the block's first column that is not green, `g` the first that is. The greens of
+// the row below may come from elsewhere.
+HWY_INLINE Surroundings LoadSurroundings(const ColourWords& at, ptrdiff_t c, ptrdiff_t g,
+                                         Neighbours green_under, VSite green_south) {
+  const Neighbours samples = at.raw[1].Beside(g), greens = at.green[1].Beside(g);
+  return {at.raw[0].Beside(c),
+          at.raw[2].Beside(c),
+          at.green[0].Beside(c),
+          green_under,
+          {Difference(samples.west, greens.west), Difference(samples.east, greens.east)},
+          at.raw[0].At(g),
+          at.raw[2].At(g),
+          at.green[0].At(g),
+          green_south};
+}
 HWY_INLINE Surroundings LoadSurroundings(const ColourWords& at, ptrdiff_t c, ptrdiff_t g) {
-  return {at.raw[0].Beside(c),        at.raw[2].Beside(c),        at.green[0].Beside(c),
-          at.green[2].Beside(c),      at.difference[0].Beside(c), at.difference[2].Beside(c),
-          at.difference[1].Beside(g), at.difference[0].At(g),     at.difference[2].At(g)};
+  return LoadSurroundings(at, c, g, at.green[2].Beside(c), at.green[2].At(g));
 }
 
 template <bool kBorder>
@@ -170,25 +169,24 @@ HWY_INLINE void ColourBlock(const ColourWords& at, const Surroundings& around, s
 
   // At green sites a colour is the mean of its two neighbours' as a difference to green.
   const VSite own_green = at.raw[1].At(g);
-  const auto at_green = [&](VSite a, VSite b) PRISMO_INLINE {
-    return hn::ShiftRight<2>(hn::Add(hn::Add(a, b), hn::Add(own_green, own_green)));
+  const auto at_green = [&](VSite differences) PRISMO_INLINE {
+    return hn::ShiftRight<2>(hn::Add(differences, hn::Add(own_green, own_green)));
   };
-  VSite horizontal = at_green(around.difference.west, around.difference.east);
-  VSite vertical = at_green(around.difference_north, around.difference_south);
+  VSite horizontal = at_green(hn::Add(around.difference.west, around.difference.east));
+  VSite vertical = at_green(
+      Difference(hn::Add(around.north, around.south), hn::Add(around.green_north, around.green_south)));
 
   const auto [nw, ne] = around.above;
   const auto [sw, se] = around.under;
   const VSite site_green = at.green[1].At(c);
   const VSite twice = hn::Add(site_green, site_green);
-  const auto direction = [&](VSite north, VSite south, VSite north_green, VSite south_green,
-                             VSite north_difference, VSite south_difference) PRISMO_INLINE {
-    return Direction(north, south, hn::Sub(twice, hn::Add(north_green, south_green)),
-                     hn::Add(twice, hn::Add(north_difference, south_difference)));
+  const auto direction = [&](VSite north, VSite south, VSite north_green, VSite south_green) PRISMO_INLINE {
+    const VSite laplacian = hn::Sub(twice, hn::Add(north_green, south_green));
+    const VSite samples = hn::Add(north, south);
+    return Direction(north, south, laplacian, hn::Add(hn::Add(samples, samples), laplacian));
   };
-  VSite opposite = Smoother(direction(ne, sw, around.green_above.east, around.green_under.west,
-                                      around.difference_above.east, around.difference_under.west),
-                            direction(nw, se, around.green_above.west, around.green_under.east,
-                                      around.difference_above.west, around.difference_under.east));
+  VSite opposite = Smoother(direction(ne, sw, around.green_above.east, around.green_under.west),
+                            direction(nw, se, around.green_above.west, around.green_under.east));
 
   if constexpr (kBorder) {
     // Bilinear: averages over the neighbours inside the frame.
@@ -217,41 +215,23 @@ struct BorderBlocks {
   const BayerRow& row;
 
   HWY_INLINE void operator()(size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) const {
+    if (starts_green) {
+      Make(x, std::true_type(), row_colour, green, other_colour);
+    } else {
+      Make(x, std::false_type(), row_colour, green, other_colour);
+    }
+  }
+
+ private:
+  HWY_INLINE void Make(size_t x, auto starts_green, V8& row_colour, V8& green, V8& other_colour) const {
     const ColourWords at(LoadedRows(lines, below_lines), x, x % 2 != 0, 0);
     ColourBlock<true>(at, LoadSurroundings(at, FirstSite(starts_green), FirstSite(!starts_green)), x,
                       row.width, lines.adaptive, starts_green, row_colour, green, other_colour);
   }
 };
 
-#if PRISMO_GREENS_IN_STEP
-// The neighbours of a row's sites, block by block, each word loaded once: the others come out of registers.
-// The west ones are at the block's even columns if kAhead, else the east ones are at its odd columns.
-template <bool kAhead>
-class CarriedNeighbours {
- public:
-  HWY_INLINE explicit CarriedNeighbours(const BlockWords& first)
-      : carried_(kAhead ? hn::LoadU(DSite(), first.from[0]) : hn::Set(DSite(), first.from[1][-1])) {}
-
-  HWY_INLINE Neighbours Next(const BlockWords& at) {
-    const VSite before = carried_;
-    carried_ = hn::LoadU(DSite(), kAhead ? at.from[0] + kSites : at.from[1]);
-    alignas(64) static constexpr auto kPlaces = [] {
-      struct {
-        uint16_t index[kSites];
-      } places{};
-      for (int i = 0; i < kSites; ++i) places.index[i] = static_cast<uint16_t>(i + (kAhead ? 1 : kSites - 1));
-      return places;
-    }();
-    const VSite shifted{
-        _mm512_permutex2var_epi16(before.raw, _mm512_load_si512(kPlaces.index), carried_.raw)};
-    return kAhead ? Neighbours{before, shifted} : Neighbours{shifted, carried_};
-  }
-
- private:
-  VSite carried_;
-};
-
-// What LoadSurroundings gives for blocks that follow each other; what is in the row below may be made
+#if PRISMO_MANY_REGISTERS
+// What LoadSurroundings gives for blocks that follow each other; the greens of the row below may be made
 // instead.
 template <bool kStartsGreen>
 class CarriedSurroundings {
@@ -260,24 +240,28 @@ class CarriedSurroundings {
       : above_(first.raw[0]),
         under_(first.raw[2]),
         green_above_(first.green[0]),
-        difference_above_(first.difference[0]),
-        difference_(first.difference[1]) {}
+        difference_(kStartsGreen ? hn::Set(DSite(), OutermostDifference(first)) : DifferenceAt(first, 0)) {}
 
-  HWY_INLINE Surroundings Next(const ColourWords& at, Neighbours green_under, Neighbours difference_under) {
-    Surroundings next{above_.Next(at.raw[0]),
-                      under_.Next(at.raw[2]),
-                      green_above_.Next(at.green[0]),
-                      green_under,
-                      difference_above_.Next(at.difference[0]),
-                      difference_under,
-                      difference_.Next(at.difference[1])};
-    next.difference_north = kStartsGreen ? next.difference_above.west : next.difference_above.east;
-    next.difference_south = kStartsGreen ? difference_under.west : difference_under.east;
+  HWY_INLINE Surroundings Next(const ColourWords& at, Neighbours green_under) {
+    Surroundings next{above_.Next(at.raw[0]), under_.Next(at.raw[2]), green_above_.Next(at.green[0]),
+                      green_under, difference_.Next(DifferenceAt(at, kStartsGreen ? 1 : 2 * kSites))};
+    constexpr auto kBetween = kStartsGreen ? &Neighbours::west : &Neighbours::east;
+    next.north = next.above.*kBetween;
+    next.south = next.under.*kBetween;
+    next.green_north = next.green_above.*kBetween;
+    next.green_south = next.green_under.*kBetween;
     return next;
   }
 
  private:
-  CarriedNeighbours<kStartsGreen> above_, under_, green_above_, difference_above_;
+  static HWY_INLINE VSite DifferenceAt(const ColourWords& at, ptrdiff_t column) {
+    return Difference(at.raw[1].At(column), at.green[1].At(column));
+  }
+  static HWY_INLINE int16_t OutermostDifference(const ColourWords& first) {
+    return static_cast<int16_t>(2 * first.raw[1].from[1][-1] - first.green[1].from[1][-1]);
+  }
+
+  CarriedWords<kStartsGreen> above_, under_, green_above_;
   CarriedNeighbours<!kStartsGreen> difference_;
 };
 
@@ -292,8 +276,7 @@ class CarriedBlocks {
   HWY_INLINE void operator()(size_t block, V8& row_colour, V8& green, V8& other_colour) {
     sink_.PrepareBlock(x_ + block * kLanes, kPrepareNear);
     const ColourWords at = Words();
-    const Surroundings around =
-        around_.Next(at, green_under_.Next(at.green[2]), difference_under_.Next(at.difference[2]));
+    const Surroundings around = around_.Next(at, green_under_.Next(at.green[2]));
     ColourBlock<false>(at, around, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
                        other_colour);
     rows_.MoveBy(2 * kSites);
@@ -304,7 +287,7 @@ class CarriedBlocks {
 
   ColourRows rows_;  // from the next block's first column on
   CarriedSurroundings<kStartsGreen> around_;
-  CarriedNeighbours<kStartsGreen> green_under_{Words().green[2]}, difference_under_{Words().difference[2]};
+  CarriedWords<kStartsGreen> green_under_{Words().green[2]};
   Sink sink_;
   size_t x_;
 };
@@ -320,22 +303,13 @@ class BlocksInStep {
   HWY_INLINE void operator()(size_t, V8& row_colour, V8& green, V8& other_colour) {
     below_.Make();
     const ColourWords at = Words();
-    const Neighbours green_under{below_.Green(true), below_.Green(false)};
-    const Neighbours difference_under{below_.Difference(true), below_.Difference(false)};
     Surroundings around;
     if constexpr (kCarried) {
-      around = around_.Next(at, green_under, difference_under);
+      around = around_.Next(at, below_.Beside());
     } else {
       constexpr ptrdiff_t c = kStartsGreen ? 1 : 0, g = 1 - c;
-      around = {at.raw[0].Beside(c),
-                at.raw[2].Beside(c),
-                at.green[0].Beside(c),
-                green_under,
-                at.difference[0].Beside(c),
-                difference_under,
-                at.difference[1].Beside(g),
-                at.difference[0].At(g),
-                kStartsGreen ? difference_under.west : difference_under.east};
+      const Neighbours below = below_.Beside();
+      around = LoadSurroundings(at, c, g, below, kStartsGreen ? below.west : below.east);
     }
     ColourBlock<false>(at, around, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
                        other_colour);
@@ -385,7 +359,7 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
     if (to_line == kCacheLine) {
       return Colour<kBytes, StoreKind::kCached>(lines, below_lines, below, row, target);
     }
-#if PRISMO_GREENS_IN_STEP
+#if PRISMO_MANY_REGISTERS
     const bool even = std::min<size_t>(row.columns.begin + to_line, row.columns.end) % 2 == 0;
     if (even && !below_lines.bilinear && lines.adaptive.begin < lines.adaptive.end) {
       return simd::CrossingLoadsAreSlow() ? ColourInStep<true>(lines, below_lines, below, row, sink)
@@ -395,7 +369,7 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
   }
   Green(below_lines, below, lines.greens[2]);
   const ColourRows rows = LoadedRows(lines, below_lines);
-#if PRISMO_GREENS_IN_STEP
+#if PRISMO_MANY_REGISTERS
   if (kStores == StoreKind::kCached && row.columns.begin % 2 == 0 && simd::CrossingLoadsAreSlow()) {
     return CoverColumns<kStores>(
         row, lines.adaptive, sink,

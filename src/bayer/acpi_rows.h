@@ -18,13 +18,13 @@ constexpr uint32_t UpToBlock(uint32_t column) {
 // Words that are there before and behind those of a strip: kernels read and write whole vectors.
 inline constexpr uint32_t kSplitMargin = 64;
 
-// Rows of words come in pairs, the second one this many words behind the first: one pointer leads to both.
+// Rows of split samples come in pairs, the second one this many words behind the first: one pointer leads to
+// both.
 inline constexpr uint32_t kSplitPitch = (kStripColumns + 3 * kBlockColumns) / 2 + 2 * kSplitMargin;
 
 // Samples of a row as 16-bit words, those of the even columns and, kSplitPitch words further, those of the
 // odd ones: column x is [x / 2] of its words. A vector then holds sites of one kind, and their neighbours are
-// vectors, too. Greens of a row's sites are kept alike, those of site x at [x / 2] and, kSplitPitch words
-// further, twice the sample less the green: what colours are interpolated from.
+// vectors, too. Greens of a row's sites are kept in a single row, those of site x at [x / 2].
 
 // A row of a frame that is to be split: an even range of columns, of at least one pair. What lies `next_row`
 // bytes further is read ahead.

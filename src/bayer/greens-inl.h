@@ -97,18 +97,116 @@ inline void SplitEnds(const RowToSplit& row) {
   }
 }
 
-// Greens of some sites, and twice their samples.
-struct Greens {
-  VSite green, twice_own;
-
-  HWY_INLINE VSite Difference() const { return hn::Sub(twice_own, green); }
-
-  // As of sites i to i + kSites - 1.
-  HWY_INLINE void Store(ptrdiff_t i, int16_t* words) const {
-    hn::StoreU(green, DSite(), words + i);
-    hn::StoreU(Difference(), DSite(), words + kSplitPitch + i);
-  }
+// What stands one column to the west and one to the east of some sites.
+struct Neighbours {
+  VSite west, east;
 };
+
+// Words of a row, from a block's first column on.
+struct BlockWords {
+  const int16_t* from[2];  // columns 0, 2, 4 ... of the block, and 1, 3, 5 ...
+
+  // Every second column from `column` of the block on.
+  HWY_INLINE VSite At(ptrdiff_t column) const { return hn::LoadU(DSite(), from[column & 1] + (column >> 1)); }
+  // The columns beside these.
+  HWY_INLINE Neighbours Beside(ptrdiff_t column) const { return {At(column - 1), At(column + 1)}; }
+};
+
+// Samples of a row around its sites, which are at its odd columns or the even ones.
+struct OwnRow {
+  VSite own, own_west, own_east;  // two columns apart
+  Neighbours beside;
+};
+
+template <bool kOdd>
+HWY_INLINE OwnRow LoadOwnRow(const BlockWords& at) {
+  constexpr ptrdiff_t kFirst = kOdd ? 1 : 0;
+  return {LoadedOnce(at.At(kFirst)),
+          at.At(kFirst - 2),
+          at.At(kFirst + 2),
+          {LoadedOnce(at.At(kFirst - 1)), LoadedOnce(at.At(kFirst + 1))}};
+}
+
+// Narrower vectors come with 16 registers, which are too few to carry neighbours from block to block, or to
+// make greens and pixels in one pass (measured: 1.02 to 1.04 times the time of two).
+#undef PRISMO_MANY_REGISTERS
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+#define PRISMO_MANY_REGISTERS 1
+#else
+#define PRISMO_MANY_REGISTERS 0
+#endif
+
+#if PRISMO_MANY_REGISTERS
+// Sites of two neighbouring blocks, from one of the first on.
+template <ptrdiff_t kFirst>
+HWY_INLINE VSite Across(VSite a, VSite b) {
+  alignas(64) static constexpr auto kPlaces = [] {
+    struct {
+      uint16_t index[kSites];
+    } places{};
+    for (int i = 0; i < kSites; ++i) places.index[i] = static_cast<uint16_t>(i + kFirst);
+    return places;
+  }();
+  return VSite{_mm512_permutex2var_epi16(a.raw, _mm512_load_si512(kPlaces.index), b.raw)};
+}
+
+// The neighbours of sites, block by block, of which each vector is given once: the others come out of
+// registers. The west ones are at the block's even columns if kAhead, else the east ones are at its odd
+// columns.
+template <bool kAhead>
+class CarriedNeighbours {
+ public:
+  // Those of the first block if kAhead, else its outermost one in the west, in all lanes.
+  HWY_INLINE explicit CarriedNeighbours(VSite first) : carried_(first) {}
+
+  // Given those of the next block if kAhead, else of the present one.
+  HWY_INLINE Neighbours Next(VSite given) {
+    const VSite before = carried_;
+    carried_ = given;
+    constexpr ptrdiff_t kFirst = kAhead ? 1 : kSites - 1;
+    const VSite shifted = Across<kFirst>(before, given);
+    return kAhead ? Neighbours{before, shifted} : Neighbours{shifted, given};
+  }
+
+ private:
+  VSite carried_;
+};
+
+// The same for words of a row.
+template <bool kAhead>
+class CarriedWords {
+ public:
+  HWY_INLINE explicit CarriedWords(const BlockWords& first)
+      : neighbours_(kAhead ? hn::LoadU(DSite(), first.from[0]) : hn::Set(DSite(), first.from[1][-1])) {}
+
+  HWY_INLINE Neighbours Next(const BlockWords& at) {
+    return neighbours_.Next(hn::LoadU(DSite(), kAhead ? at.from[0] + kSites : at.from[1]));
+  }
+
+ private:
+  CarriedNeighbours<kAhead> neighbours_;
+};
+
+// What LoadOwnRow gives for blocks that follow each other.
+template <bool kOdd>
+class CarriedOwnRow {
+ public:
+  HWY_INLINE explicit CarriedOwnRow(const BlockWords& first)
+      : before_(hn::Set(DSite(), first.from[kOdd][-1])), own_(first.At(kOdd ? 1 : 0)), beside_(first) {}
+
+  HWY_INLINE OwnRow Next(const BlockWords& at) {
+    const VSite own = own_;
+    own_ = hn::LoadU(DSite(), at.from[kOdd] + kSites);
+    const OwnRow row{own, Across<kSites - 1>(before_, own), Across<1>(own, own_), beside_.Next(at)};
+    before_ = own;
+    return row;
+  }
+
+ private:
+  VSite before_, own_;
+  CarriedWords<kOdd> beside_;
+};
+#endif
 
 // What the greens of a row's sites are computed from, which are at its odd columns or the even ones.
 template <bool kOdd>
@@ -125,23 +223,26 @@ class GreenSource {
     SplitEnds(ahead_);
   }
 
+  // The row itself, from site i on.
+  HWY_INLINE BlockWords Own(ptrdiff_t i) const { return {{even_[2] + i, even_[2] + kSplitPitch + i}}; }
+
   // The even columns of row y - 2 + i.
   HWY_INLINE const int16_t* Even(size_t i) const { return even_[i]; }
 
   // Of sites i to i + kSites - 1; at an edge, if they are not all inner ones.
-  HWY_INLINE Greens Block(ptrdiff_t i, bool edge) const {
+  HWY_INLINE VSite Block(ptrdiff_t i, bool edge) const { return Block(i, edge, LoadOwnRow<kOdd>(Own(i))); }
+  HWY_INLINE VSite Block(ptrdiff_t i, bool edge, const OwnRow& row) const {
     const DSite d;
     const auto load = [i](const int16_t* from) PRISMO_INLINE { return hn::LoadU(DSite(), from + i); };
     const auto once = [&](const int16_t* from) PRISMO_INLINE { return LoadedOnce(load(from)); };
-    constexpr ptrdiff_t kSame = kOdd ? kSplitPitch : 0, kEast = kOdd ? 1 : kSplitPitch;
+    constexpr ptrdiff_t kSame = kOdd ? kSplitPitch : 0;
     const VSite souther = SplitAhead(i, edge);
-    const VSite own = once(even_[2] + kSame);
-    const VSite twice = hn::Add(own, own);
+    const VSite twice = hn::Add(row.own, row.own);
     const VSite north = once(even_[1] + kSame), south = once(even_[3] + kSame);
-    const VSite west = once(even_[2] + kEast - 1), east = once(even_[2] + kEast);
+    const auto [west, east] = row.beside;
     const VSite down = hn::Add(north, south), across = hn::Add(west, east);
     const VSite vertical = hn::Sub(twice, hn::Add(load(even_[0] + kSame), souther));
-    const VSite horizontal = hn::Sub(twice, hn::Add(load(even_[2] + kSame - 1), load(even_[2] + kSame + 1)));
+    const VSite horizontal = hn::Sub(twice, hn::Add(row.own_west, row.own_east));
     VSite g = ClampToByte(Smoother({north, south, vertical, hn::Add(hn::Add(down, down), vertical)},
                                    {west, east, horizontal, hn::Add(hn::Add(across, across), horizontal)}));
     if (edge) {
@@ -152,7 +253,7 @@ class GreenSource {
       g = hn::IfThenElse(cross, Mean(north, south, west, east), g);
       g = hn::IfThenElse(side, Mean(north, south), g);
     }
-    return {g, twice};
+    return g;
   }
 
   // From now on sites are counted from site i on, where only inner ones follow. With pointers that move no
@@ -190,21 +291,22 @@ HWY_INLINE void StoreGreens(const Source& source, const BayerRow& row, int16_t* 
   ptrdiff_t i = row.columns.begin / 2;
   const ptrdiff_t end = (row.columns.end + 1) / 2;
   const auto [inner_begin, inner_end] = source.InnerSites();
-  for (; i < end && i < inner_begin; i += kSites) source.Block(i, true).Store(i, words);
-  for (; i < end && i + kSites <= inner_end; i += kSites) source.Block(i, false).Store(i, words);
-  for (; i < end; i += kSites) source.Block(i, true).Store(i, words);
+  for (; i < end && i < inner_begin; i += kSites) hn::StoreU(source.Block(i, true), DSite(), words + i);
+#if PRISMO_MANY_REGISTERS
+  if (simd::CrossingLoadsAreSlow()) {
+    CarriedOwnRow<Source::kOddColumns> own(source.Own(i));
+    for (; i < end && i + kSites <= inner_end; i += kSites) {
+      hn::StoreU(source.Block(i, false, own.Next(source.Own(i))), DSite(), words + i);
+    }
+  }
+#endif
+  for (; i < end && i + kSites <= inner_end; i += kSites) {
+    hn::StoreU(source.Block(i, false), DSite(), words + i);
+  }
+  for (; i < end; i += kSites) hn::StoreU(source.Block(i, true), DSite(), words + i);
 }
 
-// Narrower vectors come with 16 registers, which are too few to make greens and pixels in one pass (measured:
-// 1.02 to 1.04 times the time of two).
-#undef PRISMO_GREENS_IN_STEP
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
-#define PRISMO_GREENS_IN_STEP 1
-#else
-#define PRISMO_GREENS_IN_STEP 0
-#endif
-
-#if PRISMO_GREENS_IN_STEP
+#if PRISMO_MANY_REGISTERS
 // Greens that are made in step with the pixels of the row above, which need them at once: they take them from
 // here, as what has just been stored cannot be loaded from another place until every store under way has
 // reached memory.
@@ -219,41 +321,33 @@ class GreensInStep {
     const ptrdiff_t end = (row.columns.end + 1) / 2;
     const auto [inner_begin, inner_end] = source_.InnerSites();
     for (ptrdiff_t i = row.columns.begin / 2; i < end;) {
-      source_.Block(i, i < inner_begin || i + kSites > inner_end).Store(i, words);
+      hn::StoreU(source_.Block(i, i < inner_begin || i + kSites > inner_end), DSite(), words + i);
       i += kSites;
       if (i >= begin && i < behind) i = behind;
     }
     if (blocks == 0) return;
-    green_[1] = hn::Set(DSite(), words[begin - 1]);
-    difference_[1] = hn::Set(DSite(), words[kSplitPitch + begin - 1]);
+    east_ = hn::Set(DSite(), words[begin - 1]);
     MoveTo(first);
   }
 
   // Those of the next block. Until it is done samples and greens stand at Even() and Words(), from the
   // block's first column on.
   HWY_INLINE void Make() {
-    const Greens greens = source_.Block(kFirst, false);
-    greens.Store(kFirst, words_);
-    Follow(greens.green, green_);
-    Follow(greens.Difference(), difference_);
+    const VSite greens = source_.Block(kFirst, false);
+    hn::StoreU(greens, DSite(), words_ + kFirst);
+    // The last lane of the block before, then those of this one but its last.
+    west_ = Across<kSites - 1>(east_, greens);
+    east_ = greens;
   }
   HWY_INLINE void Done() { MoveTo(kSites); }
 
   HWY_INLINE const int16_t* Even(size_t i) const { return source_.Even(i); }
   HWY_INLINE const int16_t* Words() const { return words_; }
 
-  // Of the sites of the block, or of those one to the west.
-  HWY_INLINE VSite Green(bool west) const { return green_[!west]; }
-  HWY_INLINE VSite Difference(bool west) const { return difference_[!west]; }
+  // On both sides of the columns between the block's sites.
+  HWY_INLINE Neighbours Beside() const { return {west_, east_}; }
 
  private:
-  // The last lane of the block before, then those of this one but its last.
-  static HWY_INLINE void Follow(VSite block, VSite (&v)[2]) {
-    const VSite before{_mm512_alignr_epi64(block.raw, v[1].raw, 6)};
-    v[0] = hn::CombineShiftRightBytes<14>(DSite(), block, before);
-    v[1] = block;
-  }
-
   HWY_INLINE void MoveTo(ptrdiff_t i) {
     source_.MoveTo(i);
     words_ = LoadedAlone(words_ + i);
@@ -264,7 +358,7 @@ class GreensInStep {
 
   Source source_;
   int16_t* words_;
-  VSite green_[2], difference_[2];
+  VSite west_, east_;
 };
 #endif
 
