@@ -69,7 +69,7 @@ Status AcpiOnCaller(const AcpiForm& form, void* dst, const void* src, FrameSize 
   if (!dst || !src) return Status::kInvalidParameter;
   if (size.Empty()) return Status::kSuccess;
   if (!size.Even()) return Status::kInvalidParameter;
-  ConvertBorderRows(MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0));
+  ConvertBorderRows(MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0, simd::TimeGoesTo::kArithmetic));
   if (size.height > 2 * kBorder) {
     MakeJob(form, dst, src, size).Rows({kBorder, static_cast<int32_t>(size.height - 2 * kBorder)});
   }
@@ -85,7 +85,7 @@ Status AcpiOnPool(const AcpiForm& form, void* dst, const void* src, FrameSize si
   if (!size.Even()) return Status::kInvalidParameter;
   const uint32_t width = size.width, height = size.height;
   mp::LogStarted(EntryName(form));
-  ConvertBorderRows(MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0));
+  ConvertBorderRows(MakeBilinearJob(BilinearFormOf(form), dst, src, size, 0, simd::TimeGoesTo::kArithmetic));
   mp::LogStep(EntryName(form), mp::LogKind::kStep1);
 
   mp::WorkGeometry geometry{.first_x = 0,

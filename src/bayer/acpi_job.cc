@@ -213,8 +213,8 @@ void GreenJob::Put(RowRange rows) const {
     }
   });
   if (columns.begin > 0) return;  // a rectangle
-  BilinearJob border =
-      MakeBilinearJob({images.phase, BayerDepth::k8, images.layout}, images.dst, images.src, images.frame, 0);
+  BilinearJob border = MakeBilinearJob({images.phase, BayerDepth::k8, images.layout}, images.dst, images.src,
+                                       images.frame, 0, simd::TimeGoesTo::kArithmetic);
   for (const uint32_t x : {0u, images.frame.width - 2}) {
     border.columns = {x, x + 2};
     border.Rows(rows);

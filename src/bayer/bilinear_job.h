@@ -30,7 +30,10 @@ struct BilinearJob {
 
 // The job of a whole frame into a packed picture.
 BilinearJob MakeBilinearJob(const BilinearForm& form, void* dst, const void* src, FrameSize size,
-                            uint32_t shift);
+                            uint32_t shift, simd::TimeGoesTo time);
+
+// What takes the pool's time.
+simd::TimeGoesTo TimeOnPool();
 
 // GR and RG frames run on the pool as BG and GB ones whose row pairs are swapped: the flag that works carry.
 constexpr bool RowPairsSwapped(Phase phase) { return phase == Phase::kGR || phase == Phase::kRG; }

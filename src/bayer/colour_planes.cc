@@ -24,10 +24,10 @@ struct PlanesJobs {
   BilinearJob outer;  // first and last row
   PlanesJob middle;
 
-  PlanesJobs(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad) {
+  PlanesJobs(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad,
+             simd::TimeGoesTo time) {
     const size_t pitch = pad ? PadTo4(size.width) : size.width;
-    const simd::StoreKind stores =
-        simd::StoreKindFor((size.width + 3 * pitch) * size.height, 1, simd::TimeGoesTo::kArithmetic);
+    const simd::StoreKind stores = simd::StoreKindFor((size.width + 3 * pitch) * size.height, 1, time);
     outer = {.src = static_cast<const uint8_t*>(src),
              .src_pitch = size.width,
              .plane = {static_cast<uint8_t*>(planes.blue), static_cast<uint8_t*>(planes.green),
@@ -63,7 +63,7 @@ Status Check(const ColourPlanes& planes, const void* src, FrameSize size) {
 Status PlanesOnCaller(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad) {
   const Status status = Check(planes, src, size);
   if (status != Status::kSuccess || size.Empty()) return status;
-  const PlanesJobs jobs(phase, planes, src, size, pad);
+  const PlanesJobs jobs(phase, planes, src, size, pad, simd::TimeGoesTo::kArithmetic);
   jobs.ConvertOuterRows();
   jobs.middle.Rows({1, static_cast<int32_t>(size.height - 2)});
   return Status::kSuccess;
@@ -72,7 +72,7 @@ Status PlanesOnCaller(Phase phase, const ColourPlanes& planes, const void* src, 
 Status PlanesOnPool(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad) {
   const Status status = Check(planes, src, size);
   if (status != Status::kSuccess || size.Empty()) return status;
-  PlanesJobs jobs(phase, planes, src, size, pad);
+  PlanesJobs jobs(phase, planes, src, size, pad, TimeOnPool());
   jobs.ConvertOuterRows();
   jobs.middle.rows.pad_bytes = 0;
   return mp::RunOnPool(

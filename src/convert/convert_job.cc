@@ -24,11 +24,11 @@ ConvertRun RunFor(const Conversion& conversion, simd::StoreKind stores) {
 // time to convert, streaming therefore pays later (measured at 5 megapixels: 5 %; not so for words).
 size_t StoreReach(Source source, bool rows_apart) { return source == Source::kMono8 && rows_apart ? 2 : 1; }
 
+}  // namespace
+
 simd::TimeGoesTo TimeOf(Source source) {
   return source < Source::kYuv411 ? simd::TimeGoesTo::kMemory : simd::TimeGoesTo::kArithmetic;
 }
-
-}  // namespace
 
 size_t SourceRowBytes(Source source, uint32_t width) {
   const PixelGroup group = GroupOf(source);
@@ -69,16 +69,16 @@ ConvertJob RunJob(const Conversion& conversion, void* dst, const void* src, size
           .run = RunFor(conversion, stores)};
 }
 
-ConvertJob RowsJob(const Conversion& conversion, void* dst, const void* src, FrameSize size) {
+ConvertJob RowsJob(const Conversion& conversion, void* dst, const void* src, FrameSize size,
+                   simd::TimeGoesTo time) {
   const PixelGroup group = GroupOf(conversion.source);
   const size_t src_pitch = SourceRowBytes(conversion.source, size.width);
   const size_t dst_pitch = RowBytes(conversion.layout, size.width);
   const size_t pixel_bytes = PixelBytes(conversion.layout);
   const auto pad_bytes = static_cast<uint32_t>(dst_pitch - pixel_bytes * size.width);
   const size_t row_pixels = size.width / group.pixels * group.pixels;
-  const simd::StoreKind stores =
-      simd::StoreKindFor((src_pitch + dst_pitch) * size.height, StoreReach(conversion.source, pad_bytes > 0),
-                         TimeOf(conversion.source));
+  const simd::StoreKind stores = simd::StoreKindFor((src_pitch + dst_pitch) * size.height,
+                                                    StoreReach(conversion.source, pad_bytes > 0), time);
   return {.dst = static_cast<uint8_t*>(dst),
           .src = static_cast<const uint8_t*>(src),
           .dst_pitch = dst_pitch,
@@ -99,7 +99,7 @@ Status ConvertOnCaller(const Conversion& conversion, void* dst, const void* src,
   if (PixelBytes(conversion.layout) * size.width == RowBytes(conversion.layout, size.width)) {
     RunJob(conversion, dst, src, size.Area()).Rows({0, 1});
   } else {
-    ConvertJob job = RowsJob(conversion, dst, src, size);
+    ConvertJob job = RowsJob(conversion, dst, src, size, TimeOf(conversion.source));
     // Seen only where a row is no whole number of groups: here rows move up, on the pool they stay apart.
     job.dst_pitch = job.row_bytes + job.pad_bytes;
     job.Rows({0, static_cast<int32_t>(size.height)});
@@ -121,7 +121,9 @@ Status ConvertOnPool(const PoolForm& form, void* dst, const void* src, FrameSize
       mp::WholeWidth(0, size.height - 1, src, size.width, size.height, form.src_bytes_per_pixel,
                      form.src_stride, dst, static_cast<uint32_t>(PixelBytes(conversion.layout)), dst_stride,
                      conversion.shift, 0, 2),
-      RowsJob(conversion, dst, src, size), form.worker);
+      RowsJob(conversion, dst, src, size,
+              mp::HasSeveralThreads() ? simd::TimeGoesTo::kMemory : TimeOf(conversion.source)),
+      form.worker);
 }
 
 }  // namespace prismo

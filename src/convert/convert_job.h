@@ -45,11 +45,15 @@ struct Conversion {
 
 size_t SourceRowBytes(Source source, uint32_t width);
 
+// What takes the time of one thread.
+simd::TimeGoesTo TimeOf(Source source);
+
 // A frame as one run of pixels.
 ConvertJob RunJob(const Conversion& conversion, void* dst, const void* src, size_t pixels);
 
 // A frame row by row.
-ConvertJob RowsJob(const Conversion& conversion, void* dst, const void* src, FrameSize size);
+ConvertJob RowsJob(const Conversion& conversion, void* dst, const void* src, FrameSize size,
+                   simd::TimeGoesTo time);
 
 // How a conversion appears on the pool.
 struct PoolForm {

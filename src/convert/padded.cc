@@ -8,7 +8,7 @@ namespace {
 Status ConvertPaddedRows(const Conversion& conversion, void* dst, const void* src, FrameSize size) {
   if (size.Empty()) return Status::kSuccess;
   if (!dst || !src) return Status::kInvalidParameter;
-  ConvertJob job = RowsJob(conversion, dst, src, size);
+  ConvertJob job = RowsJob(conversion, dst, src, size, TimeOf(conversion.source));
   job.src_pitch = PadTo4(job.src_pitch);
   job.pad_bytes = 0;
   job.one_run = false;

@@ -121,6 +121,11 @@ WorkGeometry WholeWidth(uint32_t first_y, uint32_t last_y, const void* src, uint
           .type = type};
 }
 
+bool HasSeveralThreads() {
+  const PoolRef pool = ExistingPool();
+  return pool && pool->HasSeveralThreads();
+}
+
 Status ExecRows(const WorkGeometry& geometry, const JobRef& job, LogFunction worker) {
   return WithPool(Status::kFailure, [&](MPManager& pool) {
     return pool.ExecWork({.geometry = geometry, .callback = &RunRowBlocks, .job = &job, .worker = worker});

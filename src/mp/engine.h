@@ -35,6 +35,9 @@ WorkGeometry WholeWidth(uint32_t first_y, uint32_t last_y, const void* src, uint
 
 inline constexpr size_t kMaxJobBytes = 192;
 
+// Whether there is a pool of more than one thread.
+bool HasSeveralThreads();
+
 // A job that is copied into the work record and so lives as long as the last worker needs it, also when the
 // submitter has given up waiting.
 struct JobRef {

@@ -39,6 +39,7 @@ class MPManager : public Counted<MPManager> {
   // pool's own threads.
   Status SetThreadCount(int32_t count);
   int32_t GetThreadCount();
+  bool HasSeveralThreads() const { return CurrentThreads() > 1; }  // without a trace in the log
 
   void SetThreadPriority(int32_t priority);
   int32_t GetThreadPriority();
