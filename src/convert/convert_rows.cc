@@ -142,6 +142,14 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
     }
     if (x == end) return;
     constexpr size_t kBlock = Source::kBlockPixels;
+    // The last block overlaps with the one before (0.9 to 0.96 of the time of rows that begin anywhere; from
+    // six bytes a pixel 1.04).
+    constexpr bool kOverlaps = kStores == StoreKind::kCached && Source::kGroup.Bytes(kBlock) <= 3 * kBlock;
+    if (kOverlaps && pixels >= kBlock) {
+      const size_t last = pixels - kBlock;
+      return ThisBlock::template Convert<StoreKind::kCached>(source, src + Source::kGroup.Bytes(last),
+                                                             At(sink, last));
+    }
     Scratch<Sink, kBlock> out;
     if (pixels >= kBlock) {  // part of a whole one
       const size_t block = std::min(x, pixels - kBlock);
