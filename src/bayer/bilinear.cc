@@ -98,8 +98,8 @@ Status BilinearOnPool(const BilinearForm& form, void* dst, const void* src, Fram
     return Status::kSuccess;
   }
   if (!size.Even()) return Status::kInvalidParameter;
-  const BilinearJob job = MakeBilinearJob(form, dst, src, size, shift, TimeOnPool());
   mp::LogStarted(EntryName(form));
+  const BilinearJob job = MakeBilinearJob(form, dst, src, size, shift, TimeOnPool());
   job.Rows({0, 1});
   job.Rows({static_cast<int32_t>(size.height - 1), 1});
   mp::LogStep(EntryName(form), mp::LogKind::kStep1);

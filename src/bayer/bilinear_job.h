@@ -32,7 +32,7 @@ struct BilinearJob {
 BilinearJob MakeBilinearJob(const BilinearForm& form, void* dst, const void* src, FrameSize size,
                             uint32_t shift, simd::TimeGoesTo time);
 
-// What takes the pool's time.
+// What takes the pool's time; before there is a pool, that of one thread.
 simd::TimeGoesTo TimeOnPool();
 
 // GR and RG frames run on the pool as BG and GB ones whose row pairs are swapped: the flag that works carry.

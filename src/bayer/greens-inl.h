@@ -11,6 +11,7 @@
 
 #include "bayer/acpi_rows.h"
 #include "bayer/row_cover-inl.h"
+#include "simd/targets.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {

@@ -65,8 +65,9 @@ class MPManager : public Counted<MPManager> {
 
   Log& GetLog() { return log_; }
 
-  // For tests.
   int32_t CurrentThreads() const { return current_threads_.load(std::memory_order_acquire); }
+
+  // For tests.
   size_t QueuedWorks();
   size_t TimedOutWorks();
 

@@ -54,7 +54,7 @@ struct RearrangePlan {
     for (size_t reach = 0; reach < kReaches; ++reach) AddReach(reach);
   }
 
-  // Bit i is set where a source has byte i of a vector of up to 64 bytes.
+  // Bit i is set where a source has byte i of a vector of 64 bytes.
   constexpr uint64_t HereMask(size_t source, size_t vector) const {
     uint64_t mask = 0;
     for (size_t i = 0; i < 64; ++i) mask |= uint64_t{index[source][64 * vector + i] != kElsewhere} << i;
@@ -101,7 +101,7 @@ HWY_INLINE V8 Rearranged(const uint8_t* from) {
   const V8 index = hn::Load(D8(), kPlan.index[kSource] + kVector * kLanes);
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
   const V8 loaded = hn::LoadU(D8(), from + kPlan.place[kSource][kFirst]);
-  const V8 source = kPlan.sources[kFirst] > 1 ? LoadedOnce(loaded) : loaded;  // or it is shared
+  const V8 source = kPlan.sources[kFirst] > 1 ? LoadedOnce(loaded) : loaded;  // others share it
   constexpr uint64_t here = kPlan.HereMask(kSource, kVector);
   if constexpr (~here == 0) {
     return V8{_mm512_permutexvar_epi8(index.raw, source.raw)};

@@ -11,6 +11,9 @@
 #endif
 
 #include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #include "simd/sinks-inl.h"
 #include "synth/luma_chroma.h"
@@ -188,7 +191,7 @@ HWY_INLINE uint64_t BitsOf(const MI32 (&masks)[kVectors]) {
 
 HWY_INLINE VI32 AsQuotient(VI32 byte) { return hn::ShiftLeft<kFractionBits>(byte); }
 
-// Two to four quotients as bytes 0 to 3 of their lane. Products are negative, hence the cut.
+// Two to four quotients as bytes 0 to 3 of their lane.
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
 // The eight bits of a quotient for each byte that the mask picks out of its 32-bit lane.
 HWY_INLINE V32 AddQuotientByte(V32 bytes, __mmask64 mask, VI32 quotient) {
@@ -300,8 +303,8 @@ HWY_INLINE VI32 CloserLuma(VI32 luma, const Samples& pixels) {
   return hn::Sub(luma, hn::IfThenElseZero(lower, AsQuotient(hn::Set(d32, 1))));
 }
 
-// Lumas of vectors of pixels, as quotients. pixel_of(i) is where the pixel of lane i starts in memory.
-// Unrolled, or the arrays would live in memory.
+// Lumas of vectors of pixels, as quotients. pixel_of(i) is where the pixel of lane i starts in memory. False
+// if a quick look may have left one of them too high. Unrolled, or the arrays would live in memory.
 template <Look kLook, size_t kVectors, class PixelOf>
 HWY_INLINE bool Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors], const PixelOf& pixel_of) {
   MI32 whole[kVectors];
@@ -314,7 +317,8 @@ HWY_INLINE bool Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors], 
   const uint64_t bits = BitsOf(whole);
   uint16_t blue_green;
   std::memcpy(&blue_green, pixel_of(static_cast<size_t>(std::countr_zero(bits)) % (kVectors * kLanes32)), 2);
-  return !((bits != 0) & kLowerLumas.Contain(blue_green) | SeveralIn(bits));
+  const uint64_t lower = kLowerLumas.Contain(blue_green);
+  return (lower & uint64_t{bits != 0}) + SeveralIn(bits) == 0;  // && would branch
 }
 
 // Luma of 16 bits, of which fewer can be taken.
@@ -345,7 +349,7 @@ inline constexpr ByteSet kLowerU([](int v) {
   return ChromaUOf<kPixels>(green, green, green) < 128;
 });
 
-// Of one pixel: how much less blue than this its U needs to be lower.
+// The same for a single pixel, all of whose whole quotients have green equal to red: blue below this.
 inline constexpr auto kLowerUBelow = [] {
   struct {
     uint16_t blue[256];
@@ -370,7 +374,7 @@ HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
   return hn::Sub(u, hn::IfThenElseZero(hn::And(whole, known), AsQuotient(hn::Set(d32, 1))));
 }
 
-// U, as quotients, of sums of kPixels pixels. Those of several are hardly ever whole.
+// U, as quotients, of sums of kPixels pixels. As Luma; those of several pixels are hardly ever whole.
 template <int kPixels, Look kLook, size_t kVectors, class PixelOf>
 HWY_INLINE bool ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], const PixelOf& pixel_of) {
   MI32 whole[kVectors], any_whole;
@@ -385,7 +389,8 @@ HWY_INLINE bool ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], co
     const uint64_t bits = BitsOf(whole);
     const uint8_t* const first =
         pixel_of(static_cast<size_t>(std::countr_zero(bits)) % (kVectors * kLanes32));
-    return !((bits != 0) & (first[0] < kLowerUBelow.blue[first[1]]) | SeveralIn(bits));
+    const uint64_t lower = first[0] < kLowerUBelow.blue[first[1]];
+    return (lower & uint64_t{bits != 0}) + SeveralIn(bits) == 0;
   } else {
     return hn::AllFalse(DI32(), any_whole);
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "synth/to_raw_rows.cc"
@@ -282,6 +283,7 @@ HWY_INLINE void StoreTriples(uint8_t* to, const V32 (&lanes)[4]) {
 
 #else
 
+// Products are negative, hence the cut.
 HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
   const DI16 d16;
   const VI16 byte = hn::Set(d16, 0xFF);
@@ -295,12 +297,15 @@ HWY_INLINE V8 PackQuotients(const VI32 (&v)[4]) {
 
 #endif
 
-// Apart from the loop, whose registers it would take.
+// Loads the pixels anew: those of the quick look would take registers from the loop for its sake.
 template <class Maker, StoreKind kStores, size_t kStep>
 HWY_INLINE void MakeStepCloser(const Maker& maker, uint8_t* to, const uint8_t* from) {
   asm("" : "+r"(to), "+r"(from));
   maker.template Step<kStores, kStep, Look::kClose>(to, from);
 }
+
+// Without a branch.
+constexpr bool Both(bool a, bool b) { return int{a} + int{b} == 2; }
 
 // A maker has Step<kStores, kStep, kLook>(to, from), which makes what Block does, step by step, if the look
 // is close enough; if not, it stores nothing and says so.
@@ -373,9 +378,10 @@ struct ToYuv444 : Target<kPixelBytes, 1, 3> {
     LoadSamples<kPixelBytes, kStep>(from, samples);
     const PixelsFrom<kPixelBytes> pixel_of{from + kPixelBytes * kLanes * kStep};
     VI32 luma[4], u[4], v[4];
-    const bool sure = Luma<kLook>(samples, luma, pixel_of) & ChromaU<1, kLook>(samples, u, pixel_of);
+    const bool sure_of_luma = Luma<kLook>(samples, luma, pixel_of);
+    const bool sure_of_u = ChromaU<1, kLook>(samples, u, pixel_of);
     ChromaV<1>(samples, v);
-    if (kLook == Look::kQuick && !sure) return false;
+    if (kLook == Look::kQuick && !Both(sure_of_luma, sure_of_u)) return false;
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
     V32 lanes[4];
     for (size_t i = 0; i < 4; ++i) lanes[i] = QuotientBytes(u[i], luma[i], v[i]);
@@ -409,9 +415,10 @@ struct ToYuv422 : Target<kPixelBytes, 2, 4> {
     }
     const PixelsFrom<kPixelBytes, &BeforeSplit> pixel_of{from + kPixelBytes * kLanes * kStep};
     VI32 luma[4], u[2], v[2];
-    const bool sure = Luma<kLook>(samples, luma, pixel_of) & ChromaU<2, kLook>(sums, u, pixel_of);
+    const bool sure_of_luma = Luma<kLook>(samples, luma, pixel_of);
+    const bool sure_of_u = ChromaU<2, kLook>(sums, u, pixel_of);
     ChromaV<2>(sums, v);
-    if (kLook == Look::kQuick && !sure) return false;
+    if (kLook == Look::kQuick && !Both(sure_of_luma, sure_of_u)) return false;
     for (size_t i = 0; i < 2; ++i) {
       const V32 groups = QuotientBytes(u[i], luma[2 * i], v[i], luma[2 * i + 1]);
       Put<kStores>(InOrder<2>(hn::BitCast(D8(), groups)), D8(), to + (2 * kStep + i) * kLanes);
@@ -431,8 +438,9 @@ struct ToYuv411 : Target<kPixelBytes, 4, 6, 2 * kPart> {
   template <StoreKind kStores, size_t kStep, Look kLook>
   HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
     V32 words[2][3];
-    const bool sure = Groups<2 * kStep, kLook>(from, words[0]) & Groups<2 * kStep + 1, kLook>(from, words[1]);
-    if (kLook == Look::kQuick && !sure) return false;
+    const bool sure_of_first = Groups<2 * kStep, kLook>(from, words[0]);
+    const bool sure_of_second = Groups<2 * kStep + 1, kLook>(from, words[1]);
+    if (kLook == Look::kQuick && !Both(sure_of_first, sure_of_second)) return false;
     const BgrSink sink{to + 3 * kLanes * kStep};
     sink.Store<kStores>(0, LowWordsInOrder(words[0][0], words[1][0]),
                         LowWordsInOrder(words[0][1], words[1][1]), LowWordsInOrder(words[0][2], words[1][2]));
@@ -454,12 +462,13 @@ struct ToYuv411 : Target<kPixelBytes, 4, 6, 2 * kPart> {
     const Samples sums[1] = {Sum(Sum(quad[0], quad[1]), Sum(quad[2], quad[3]))};
     VI32 luma[4], u[1], v[1];
     const PixelsFrom<kPixelBytes, &BeforeGrouping> pixel_of{from + kPixelBytes * kLanes * kVector};
-    const bool sure = Luma<kLook>(quad, luma, pixel_of) & ChromaU<4, kLook>(sums, u, pixel_of);
+    const bool sure_of_luma = Luma<kLook>(quad, luma, pixel_of);
+    const bool sure_of_u = ChromaU<4, kLook>(sums, u, pixel_of);
     ChromaV<4>(sums, v);
     words[0] = QuotientBytes(u[0], v[0]);
     words[1] = QuotientBytes(luma[0], luma[2]);
     words[2] = QuotientBytes(luma[1], luma[3]);
-    return sure;
+    return Both(sure_of_luma, sure_of_u);
   }
 };
 

@@ -52,6 +52,15 @@ TEST_F(ExecRowsTest, AnExceptionFailsTheCallButNotThePool) {
             Status::kSuccess);
 }
 
+TEST_F(ExecRowsTest, AskingForSeveralThreadsMakesNoPool) {
+  EXPECT_FALSE(HasSeveralThreads());
+  EXPECT_TRUE(IsMPMngrNULL());
+  for (const int32_t threads : test::ThreadCounts()) {
+    ASSERT_TRUE(test::StartPool(threads));
+    EXPECT_EQ(HasSeveralThreads(), threads > 1);
+  }
+}
+
 TEST_F(ExecRowsTest, LoggingMakesNoPool) {
   LogSkipped(LogFunction::kMono8ToBGRA_MP, {0, 5});
   LogStartedWithoutPool(LogFunction::kBGR8PToBGR_MP);
