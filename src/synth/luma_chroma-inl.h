@@ -33,6 +33,9 @@ inline constexpr size_t kLanes32 = kLanes / 4;
 struct Samples {
   VI16 green;
   VI16 blue_red;
+
+  HWY_INLINE Samples() {}  // the implicit one would not be of the target that NEON's vectors need
+  HWY_INLINE Samples(VI16 g, VI16 b_r) : green(g), blue_red(b_r) {}
 };
 
 // Pixels are 32-bit lanes of bytes B G R G, or B G R and anything.
