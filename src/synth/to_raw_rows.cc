@@ -307,22 +307,22 @@ HWY_INLINE void MakeStepCloser(const Maker& maker, uint8_t* to, const uint8_t* f
 // Without a branch.
 constexpr bool Both(bool a, bool b) { return int{a} + int{b} == 2; }
 
-// A maker has Step<kStores, kStep, kLook>(to, from), which makes what Block does, step by step, if the look
-// is close enough; if not, it stores nothing and says so.
-template <StoreKind kStores, size_t kSteps, class Maker, size_t kStep = 0>
-HWY_INLINE void MakeSteps(const Maker& maker, uint8_t* to, const uint8_t* from) {
-  const bool made = maker.template Step<kStores, kStep, Look::kQuick>(to, from);
-  if (HWY_UNLIKELY(!made)) MakeStepCloser<Maker, kStores, kStep>(maker, to, from);
-  if constexpr (kStep + 1 < kSteps) MakeSteps<kStores, kSteps, Maker, kStep + 1>(maker, to, from);
-}
+// A target that is made in steps. Its Step<kStores, kStep, kLook>(to, from) says whether the look was close
+// enough; if not, it has stored nothing.
+template <class Maker, size_t kPixelBytes, size_t kGroupPixels, size_t kGroupBytes,
+          size_t kBlockPixels = kPart>
+struct SteppedTarget : Target<kPixelBytes, kGroupPixels, kGroupBytes, kBlockPixels> {
+  template <StoreKind kStores, size_t kStep = 0>
+  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
+    const auto& maker = static_cast<const Maker&>(*this);
+    const bool made = maker.template Step<kStores, kStep, Look::kQuick>(to, from);
+    if (HWY_UNLIKELY(!made)) MakeStepCloser<Maker, kStores, kStep>(maker, to, from);
+    if constexpr ((kStep + 1) * kLanes < kPart) Block<kStores, kStep + 1>(to, from, x);
+  }
+};
 
 template <size_t kPixelBytes>
-struct ToMono8 : Target<kPixelBytes, 1, 1> {
-  template <StoreKind kStores>
-  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
-    MakeSteps<kStores, kPart / kLanes>(*this, to, from);
-  }
-
+struct ToMono8 : SteppedTarget<ToMono8<kPixelBytes>, kPixelBytes, 1, 1> {
   template <StoreKind kStores, size_t kStep, Look kLook>
   HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
     Samples samples[4];
@@ -366,12 +366,7 @@ struct ToThreeWords : Target<kPixelBytes, 1, 6> {
 };
 
 template <size_t kPixelBytes>
-struct ToYuv444 : Target<kPixelBytes, 1, 3> {
-  template <StoreKind kStores>
-  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
-    MakeSteps<kStores, kPart / kLanes>(*this, to, from);
-  }
-
+struct ToYuv444 : SteppedTarget<ToYuv444<kPixelBytes>, kPixelBytes, 1, 3> {
   template <StoreKind kStores, size_t kStep, Look kLook>
   HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
     Samples samples[4];
@@ -395,12 +390,7 @@ struct ToYuv444 : Target<kPixelBytes, 1, 3> {
 };
 
 template <size_t kPixelBytes>
-struct ToYuv422 : Target<kPixelBytes, 2, 4> {
-  template <StoreKind kStores>
-  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
-    MakeSteps<kStores, kPart / kLanes>(*this, to, from);
-  }
-
+struct ToYuv422 : SteppedTarget<ToYuv422<kPixelBytes>, kPixelBytes, 2, 4> {
   template <StoreKind kStores, size_t kStep, Look kLook>
   HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
     V32 pixels[4];
@@ -428,12 +418,7 @@ struct ToYuv422 : Target<kPixelBytes, 2, 4> {
 };
 
 template <size_t kPixelBytes>
-struct ToYuv411 : Target<kPixelBytes, 4, 6, 2 * kPart> {
-  template <StoreKind kStores>
-  HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t) const {
-    MakeSteps<kStores, kPart / kLanes>(*this, to, from);
-  }
-
+struct ToYuv411 : SteppedTarget<ToYuv411<kPixelBytes>, kPixelBytes, 4, 6, 2 * kPart> {
   // Twice as many pixels as in other steps: their groups fill whole vectors.
   template <StoreKind kStores, size_t kStep, Look kLook>
   HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
