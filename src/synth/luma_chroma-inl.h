@@ -295,7 +295,9 @@ inline constexpr Weights kLumaWeights{114, 587, 299, 0};
 // be too high, which is much rarer, and then all are made again with a close look.
 enum class Look { kQuick, kClose };
 
-constexpr bool SeveralIn(uint64_t bits) { return (bits & (bits - 1)) != 0; }
+// Doubts are numbers, not zero where there is one: truth values would be combined by branches.
+using Doubt = uint64_t;
+constexpr Doubt SeveralIn(uint64_t bits) { return bits & (bits - 1); }
 
 HWY_INLINE VI32 CloserLuma(VI32 luma, const Samples& pixels) {
   const DI32 d32;
@@ -306,10 +308,10 @@ HWY_INLINE VI32 CloserLuma(VI32 luma, const Samples& pixels) {
   return hn::Sub(luma, hn::IfThenElseZero(lower, AsQuotient(hn::Set(d32, 1))));
 }
 
-// Lumas of vectors of pixels, as quotients. pixel_of(i) is where the pixel of lane i starts in memory. False
-// if a quick look may have left one of them too high. Unrolled, or the arrays would live in memory.
+// Lumas of vectors of pixels, as quotients. pixel_of(i) is where the pixel of lane i starts in memory. A
+// doubt if a quick look may have left one of them too high. Unrolled, or the arrays would live in memory.
 template <Look kLook, size_t kVectors, class PixelOf>
-HWY_INLINE bool Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors], const PixelOf& pixel_of) {
+HWY_INLINE Doubt Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors], const PixelOf& pixel_of) {
   MI32 whole[kVectors];
 #pragma GCC unroll 4
   for (size_t i = 0; i < kVectors; ++i) {
@@ -321,7 +323,7 @@ HWY_INLINE bool Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors], 
   uint16_t blue_green;
   std::memcpy(&blue_green, pixel_of(static_cast<size_t>(std::countr_zero(bits)) % (kVectors * kLanes32)), 2);
   const uint64_t lower = kLowerLumas.Contain(blue_green);
-  return (lower & uint64_t{bits != 0}) + SeveralIn(bits) == 0;  // && would branch
+  return (lower & uint64_t{bits != 0}) | SeveralIn(bits);
 }
 
 // Luma of 16 bits, of which fewer can be taken.
@@ -379,7 +381,7 @@ HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
 
 // U, as quotients, of sums of kPixels pixels. As Luma; those of several pixels are hardly ever whole.
 template <int kPixels, Look kLook, size_t kVectors, class PixelOf>
-HWY_INLINE bool ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], const PixelOf& pixel_of) {
+HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], const PixelOf& pixel_of) {
   MI32 whole[kVectors], any_whole;
 #pragma GCC unroll 4
   for (size_t i = 0; i < kVectors; ++i) {
@@ -393,9 +395,9 @@ HWY_INLINE bool ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], co
     const uint8_t* const first =
         pixel_of(static_cast<size_t>(std::countr_zero(bits)) % (kVectors * kLanes32));
     const uint64_t lower = first[0] < kLowerUBelow.blue[first[1]];
-    return (lower & uint64_t{bits != 0}) + SeveralIn(bits) == 0;
+    return (lower & uint64_t{bits != 0}) | SeveralIn(bits);
   } else {
-    return hn::AllFalse(DI32(), any_whole);
+    return !hn::AllFalse(DI32(), any_whole);
   }
 }
 

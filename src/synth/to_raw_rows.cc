@@ -304,9 +304,6 @@ HWY_INLINE void MakeStepCloser(const Maker& maker, uint8_t* to, const uint8_t* f
   maker.template Step<kStores, kStep, Look::kClose>(to, from);
 }
 
-// Without a branch.
-constexpr bool Both(bool a, bool b) { return int{a} + int{b} == 2; }
-
 // A target that is made in steps. Its Step<kStores, kStep, kLook>(to, from) says whether the look was close
 // enough; if not, it has stored nothing.
 template <class Maker, size_t kPixelBytes, size_t kGroupPixels, size_t kGroupBytes,
@@ -328,9 +325,9 @@ struct ToMono8 : SteppedTarget<ToMono8<kPixelBytes>, kPixelBytes, 1, 1> {
     Samples samples[4];
     LoadSamples<kPixelBytes, kStep>(from, samples);
     VI32 luma[4];
-    const bool sure =
+    const Doubt doubt =
         Luma<kLook>(samples, luma, PixelsFrom<kPixelBytes>{from + kPixelBytes * kLanes * kStep});
-    if (kLook == Look::kQuick && !sure) return false;
+    if (kLook == Look::kQuick && doubt != 0) return false;
     Put<kStores>(PackQuotients(luma), D8(), to + kStep * kLanes);
     return true;
   }
@@ -373,10 +370,10 @@ struct ToYuv444 : SteppedTarget<ToYuv444<kPixelBytes>, kPixelBytes, 1, 3> {
     LoadSamples<kPixelBytes, kStep>(from, samples);
     const PixelsFrom<kPixelBytes> pixel_of{from + kPixelBytes * kLanes * kStep};
     VI32 luma[4], u[4], v[4];
-    const bool sure_of_luma = Luma<kLook>(samples, luma, pixel_of);
-    const bool sure_of_u = ChromaU<1, kLook>(samples, u, pixel_of);
+    const Doubt of_luma = Luma<kLook>(samples, luma, pixel_of);
+    const Doubt of_u = ChromaU<1, kLook>(samples, u, pixel_of);
     ChromaV<1>(samples, v);
-    if (kLook == Look::kQuick && !Both(sure_of_luma, sure_of_u)) return false;
+    if (kLook == Look::kQuick && (of_luma | of_u) != 0) return false;
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
     V32 lanes[4];
     for (size_t i = 0; i < 4; ++i) lanes[i] = QuotientBytes(u[i], luma[i], v[i]);
@@ -405,10 +402,10 @@ struct ToYuv422 : SteppedTarget<ToYuv422<kPixelBytes>, kPixelBytes, 2, 4> {
     }
     const PixelsFrom<kPixelBytes, &BeforeSplit> pixel_of{from + kPixelBytes * kLanes * kStep};
     VI32 luma[4], u[2], v[2];
-    const bool sure_of_luma = Luma<kLook>(samples, luma, pixel_of);
-    const bool sure_of_u = ChromaU<2, kLook>(sums, u, pixel_of);
+    const Doubt of_luma = Luma<kLook>(samples, luma, pixel_of);
+    const Doubt of_u = ChromaU<2, kLook>(sums, u, pixel_of);
     ChromaV<2>(sums, v);
-    if (kLook == Look::kQuick && !Both(sure_of_luma, sure_of_u)) return false;
+    if (kLook == Look::kQuick && (of_luma | of_u) != 0) return false;
     for (size_t i = 0; i < 2; ++i) {
       const V32 groups = QuotientBytes(u[i], luma[2 * i], v[i], luma[2 * i + 1]);
       Put<kStores>(InOrder<2>(hn::BitCast(D8(), groups)), D8(), to + (2 * kStep + i) * kLanes);
@@ -423,9 +420,9 @@ struct ToYuv411 : SteppedTarget<ToYuv411<kPixelBytes>, kPixelBytes, 4, 6, 2 * kP
   template <StoreKind kStores, size_t kStep, Look kLook>
   HWY_INLINE bool Step(uint8_t* to, const uint8_t* from) const {
     V32 words[2][3];
-    const bool sure_of_first = Groups<2 * kStep, kLook>(from, words[0]);
-    const bool sure_of_second = Groups<2 * kStep + 1, kLook>(from, words[1]);
-    if (kLook == Look::kQuick && !Both(sure_of_first, sure_of_second)) return false;
+    const Doubt of_first = Groups<2 * kStep, kLook>(from, words[0]);
+    const Doubt of_second = Groups<2 * kStep + 1, kLook>(from, words[1]);
+    if (kLook == Look::kQuick && (of_first | of_second) != 0) return false;
     const BgrSink sink{to + 3 * kLanes * kStep};
     sink.Store<kStores>(0, LowWordsInOrder(words[0][0], words[1][0]),
                         LowWordsInOrder(words[0][1], words[1][1]), LowWordsInOrder(words[0][2], words[1][2]));
@@ -436,7 +433,7 @@ struct ToYuv411 : SteppedTarget<ToYuv411<kPixelBytes>, kPixelBytes, 4, 6, 2 * kP
   // Each byte of chroma comes before two of luma: U and V, the lumas behind each, and those behind these, as
   // low words. Lane q of block p is group p of vector q.
   template <size_t kVector, Look kLook>
-  static HWY_INLINE bool Groups(const uint8_t* from, V32 (&words)[3]) {
+  static HWY_INLINE Doubt Groups(const uint8_t* from, V32 (&words)[3]) {
     V32 pixels[4], even[2], odd[2], of_group[4];
     LoadStep<kPixelBytes, kVector>(from, pixels);
     for (size_t i = 0; i < 2; ++i) SplitLanes(pixels[2 * i], pixels[2 * i + 1], even[i], odd[i]);
@@ -447,13 +444,13 @@ struct ToYuv411 : SteppedTarget<ToYuv411<kPixelBytes>, kPixelBytes, 4, 6, 2 * kP
     const Samples sums[1] = {Sum(Sum(quad[0], quad[1]), Sum(quad[2], quad[3]))};
     VI32 luma[4], u[1], v[1];
     const PixelsFrom<kPixelBytes, &BeforeGrouping> pixel_of{from + kPixelBytes * kLanes * kVector};
-    const bool sure_of_luma = Luma<kLook>(quad, luma, pixel_of);
-    const bool sure_of_u = ChromaU<4, kLook>(sums, u, pixel_of);
+    const Doubt of_luma = Luma<kLook>(quad, luma, pixel_of);
+    const Doubt of_u = ChromaU<4, kLook>(sums, u, pixel_of);
     ChromaV<4>(sums, v);
     words[0] = QuotientBytes(u[0], v[0]);
     words[1] = QuotientBytes(luma[0], luma[2]);
     words[2] = QuotientBytes(luma[1], luma[3]);
-    return Both(sure_of_luma, sure_of_u);
+    return of_luma | of_u;
   }
 };
 
