@@ -264,9 +264,9 @@ constexpr ConvertKernels MakeTable() {
   table.Fill<BgrNSource, BgraSink, BgrSink>(kBgrN);
   table.Fill<SpillSource<RgbNSource>, BgraSink>(kRgbNSpill);
   table.Fill<SpillSource<BgrNSource>, BgraSink>(kBgrNSpill);
-  table.Fill<Yuv411Source, BgraSink, BgrSink>(kYuv411);
-  table.Fill<Yuv422Source, BgraSink, BgrSink>(kYuv422);
-  table.Fill<Yuv444Source, BgraSink, BgrSink>(kYuv444);
+  table.Fill<Yuv411Source, PackedSink<4, kYuvOrder>, PackedSink<3, kYuvOrder>>(kYuv411);
+  table.Fill<Yuv422Source, PackedSink<4, kYuvOrder>, PackedSink<3, kYuvOrder>>(kYuv422);
+  table.Fill<Yuv444Source, PackedSink<4, kYuvOrder>, PackedSink<3, kYuvOrder>>(kYuv444);
   table.kernels.split[static_cast<size_t>(StoreKind::kCached)] = &Split<StoreKind::kCached>;
   table.kernels.split[static_cast<size_t>(StoreKind::kStreaming)] = &Split<StoreKind::kStreaming>;
   return table.kernels;

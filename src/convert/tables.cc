@@ -19,14 +19,6 @@ void FillGrey() {
   for (size_t i = std::size(tables.grey); i-- > 0; word -= 0x010101) tables.grey[i] = word;
 }
 
-// The products and their sum are rounded to single precision, 256.5 is added in double precision: that
-// decides which way chroma pairs halfway between two offsets go.
-int32_t GreenOffset(int32_t a, int32_t b) {
-  const float chroma = 0.344F * static_cast<float>(a) + 0.714F * static_cast<float>(b);
-  const auto offset = static_cast<int32_t>(static_cast<double>(chroma) + 256.5);
-  return std::min(offset & 0xFFFF, static_cast<int32_t>(kGreenOffsets) - 1);
-}
-
 void FillGreenOffset() {
   int32_t* entry = tables.green_offset;
   for (int32_t a = -128; a < 128; ++a) {

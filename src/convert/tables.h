@@ -2,6 +2,7 @@
 // as long as the library. Kernels that compute instead of looking up give the same bytes.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -11,6 +12,15 @@
 namespace prismo {
 
 inline constexpr size_t kGreenOffsets = 512;  // a green offset is below this
+
+// 256 more than what is subtracted from luma for green, for a = U - 128 and b = V - 128. The products and
+// their sum are rounded to single precision, 256.5 is added in double precision: that decides which way
+// chroma pairs halfway between two offsets go.
+constexpr int32_t GreenOffset(int32_t a, int32_t b) {
+  const float chroma = 0.344F * static_cast<float>(a) + 0.714F * static_cast<float>(b);
+  const auto offset = static_cast<int32_t>(static_cast<double>(chroma) + 256.5);
+  return std::min(offset & 0xFFFF, static_cast<int32_t>(kGreenOffsets) - 1);
+}
 
 struct Tables {
   uint32_t grey[256];                              // [Y]: the BGRA word of a grey pixel

@@ -38,15 +38,15 @@ struct YuvSource {
   static HWY_INLINE V8 Lane(uint8_t value) { return hn::Set(D8(), value); }
 };
 
+inline constexpr Order kYuvOrder = Order::kPixels;
+
 using Yuv411Source = YuvSource<prismo::Source::kYuv411, 0, 3, 1, 2, 4, 5>;
 using Yuv422Source = YuvSource<prismo::Source::kYuv422, 0, 2, 1, 3>;
 using Yuv444Source = YuvSource<prismo::Source::kYuv444, 0, 2, 1>;
 
 #else
 
-// Everything is 16-bit lanes: a channel is luma plus an offset that depends on chroma alone, clamped to a
-// byte.
-using DF32 = hn::RebindToFloat<D32>;
+// A channel is luma plus an offset that depends on chroma alone, clamped to a byte.
 
 // round(1.772 (U - 128)) = (4 (U - 253) x 29032 >> 16) + 222 and round(1.402 (V - 128)) =
 // (4 (V - 179) x 22971 >> 16) + 72, halves rounded up: origins at which the coefficients' errors never
@@ -56,6 +56,63 @@ struct ChromaRule {
 };
 inline constexpr ChromaRule kBlueRule{4 * 253, 29032, 222};
 inline constexpr ChromaRule kRedRule{4 * 179, 22971, 72};
+
+HWY_INLINE VI16 EachPair(int16_t u, int16_t v) {
+  return hn::BitCast(DI16(), hn::Set(DI32(), v * 65536 + static_cast<uint16_t>(u)));
+}
+
+// The offsets of pairs of chroma, in 32 bits a pair: each in one word of them.
+struct PairOffsets {
+  VI16 blue, green, red;
+};
+
+#if PRISMO_BYTE_PERMUTES
+inline constexpr size_t kBlueWord = 1, kGreenWord = 1, kRedWord = 1;
+
+// What is subtracted from luma for green is (22545 U + 46792 V + kStart + addend[V % 128]) >> 16. The addends
+// are the least that take every pair to its integer. They also decide the 130 pairs halfway between two
+// integers, 18 of which single precision puts below: no sum of products alone does.
+struct GreenRule {
+  static constexpr int16_t kFourU = 5636, kU = 1, kFourV = 11698;
+  static constexpr int32_t kStart = -8842400;
+  alignas(64) uint8_t addend[128];
+
+  constexpr GreenRule() : addend{} {
+    for (int32_t u = 0; u < 256; ++u) {
+      for (int32_t v = 0; v < 256; ++v) {
+        const int32_t sum = (4 * kFourU + kU) * u + 4 * kFourV * v + kStart;
+        const int32_t missing = (GreenOffset(u - 128, v - 128) - 256) * 65536 - sum;
+        if (missing > addend[v % 128]) addend[v % 128] = static_cast<uint8_t>(missing);
+      }
+    }
+  }
+};
+
+// This target's processors have the instruction (VNNI); the compiler is not told so by Highway.
+HWY_INLINE VI32 AddProducts(VI32 sum, VI16 pairs, int16_t u, int16_t v) {
+  asm("vpdpwssd %2, %1, %0" : "+v"(sum.raw) : "v"(pairs.raw), "v"(EachPair(u, v).raw));
+  return sum;
+}
+
+// Words U0 V0 U1 V1 ... A byte table looks up what green's pairs need beyond a sum of products.
+HWY_INLINE PairOffsets OffsetsOfPairs(VI16 uv) {
+  static constexpr GreenRule kGreenRule;
+  constexpr __mmask64 kBytesOfV = 0x4444444444444444;
+  const DI16 d16;
+  const DI32 d32;
+  const auto start = [&](const ChromaRule& rule) HWY_ATTR {
+    return hn::Set(d32, rule.offset * 65536 - rule.origin * rule.coefficient);
+  };
+  const VI16 four = hn::ShiftLeft<2>(uv);
+  const VI16 addend{_mm512_mask2_permutex2var_epi8(_mm512_load_si512(kGreenRule.addend), uv.raw, kBytesOfV,
+                                                   _mm512_load_si512(kGreenRule.addend + kLanes))};
+  const VI32 green = AddProducts(hn::Set(d32, GreenRule::kStart), four, GreenRule::kFourU, GreenRule::kFourV);
+  return {hn::BitCast(d16, AddProducts(start(kBlueRule), four, kBlueRule.coefficient, 0)),
+          hn::BitCast(d16, AddProducts(green, addend, GreenRule::kU, 1)),
+          hn::BitCast(d16, AddProducts(start(kRedRule), four, 0, kRedRule.coefficient))};
+}
+#else
+inline constexpr size_t kBlueWord = 0, kGreenWord = 0, kRedWord = 1;
 
 HWY_INLINE VI16 ApplyChromaRule(VI16 chroma, VI16 origin, VI16 coefficient, VI16 offset) {
   return hn::Add(hn::MulHigh(hn::Sub(hn::ShiftLeft<2>(chroma), origin), coefficient), offset);
@@ -71,8 +128,8 @@ HWY_INLINE VI16 ChromaOffset(VI16 chroma, const ChromaRule& rule) {
 // their sum are rounded to single precision, which decides the 130 pairs that are halfway between integers:
 // no fixed-point form gives the same. Adding the half of the rounding to one product first, fused or not,
 // does. The arguments are U - 128 and V - 128 in the high halves of their lanes.
-HWY_INLINE VI32 GreenOffset(VI32 u_high, VI32 v_high) {
-  const DF32 df;
+HWY_INLINE VI32 GreenOffsetOf(VI32 u_high, VI32 v_high) {
+  const hn::RebindToFloat<D32> df;
   constexpr float kUnit = 1.0F / 65536;
   const auto u = hn::MulAdd(hn::ConvertTo(df, u_high), hn::Set(df, 0.344F * kUnit), hn::Set(df, 0.5F));
   const auto v = hn::Mul(hn::ConvertTo(df, v_high), hn::Set(df, 0.714F * kUnit));
@@ -84,25 +141,25 @@ HWY_INLINE VI32 GreenOffset(VI32 u_high, VI32 v_high) {
 #endif
 }
 
+// Words U0 V0 U1 V1 ...
+HWY_INLINE PairOffsets OffsetsOfPairs(VI16 uv) {
+  const DI16 d16;
+  const DI32 d32;
+  const VI16 blue_red = ApplyChromaRule(uv, EachPair(kBlueRule.origin, kRedRule.origin),
+                                        EachPair(kBlueRule.coefficient, kRedRule.coefficient),
+                                        EachPair(kBlueRule.offset, kRedRule.offset));
+  const VI32 centred = hn::BitCast(d32, hn::Sub(uv, hn::Set(d16, 128)));
+  const VI32 green = GreenOffsetOf(hn::ShiftLeft<16>(centred), hn::And(centred, hn::Set(d32, -0x10000)));
+  return {blue_red, hn::BitCast(d16, green), blue_red};
+}
+#endif
+
 // Bytes as words; the halves of each 128-bit block go to one vector each, as ClampToBytes takes them.
 HWY_INLINE VI16 WordsOfLowerHalves(V8 v) {
   return hn::BitCast(DI16(), hn::InterleaveLower(D8(), v, hn::Zero(D8())));
 }
 HWY_INLINE VI16 WordsOfUpperHalves(V8 v) {
   return hn::BitCast(DI16(), hn::InterleaveUpper(D8(), v, hn::Zero(D8())));
-}
-
-// Words U0 V0 U1 V1 ...: each pair gives its blue and red offsets, in the same order, and its green offset.
-HWY_INLINE void PairOffsets(VI16 uv, VI16& blue_red, VI32& green) {
-  const DI16 d16;
-  const DI32 d32;
-  const auto each_pair = [&](int16_t u, int16_t v)
-                             HWY_ATTR { return hn::OddEven(hn::Set(d16, v), hn::Set(d16, u)); };
-  blue_red = ApplyChromaRule(uv, each_pair(kBlueRule.origin, kRedRule.origin),
-                             each_pair(kBlueRule.coefficient, kRedRule.coefficient),
-                             each_pair(kBlueRule.offset, kRedRule.offset));
-  const VI32 centred = hn::BitCast(d32, hn::Sub(uv, hn::Set(d16, 128)));
-  green = GreenOffset(hn::ShiftLeft<16>(centred), hn::And(centred, hn::Set(d32, -0x10000)));
 }
 
 // Word j of each 128-bit block becomes the block's word kFirst + 2 (j / kRepeat).
@@ -126,28 +183,58 @@ HWY_INLINE VI16 Spread(VI16 v) {
                      hn::TableLookupBytes(hn::BitCast(D8(), v), hn::LoadDup128(D8(), kPattern.bytes)));
 }
 
-// The channels of eight pixels in each block, from the offsets of the pairs at words kFirst, kFirst + 2, ...
-// of which each serves kRepeat pixels.
+// Channels that are not yet clamped.
+struct WideChannels {
+  VI16 b, g, r;
+};
+
+// Eight pixels in each block, from the pairs from kFirst on, of which each serves kRepeat pixels.
 template <size_t kFirst, size_t kRepeat>
-HWY_INLINE void AddPairOffsets(VI16 y, VI16 blue_red, VI32 green, VI16& b, VI16& g, VI16& r) {
-  b = hn::Add(y, Spread<kFirst, kRepeat>(blue_red));
-  g = hn::Sub(y, Spread<kFirst, kRepeat>(hn::BitCast(DI16(), green)));
-  r = hn::Add(y, Spread<kFirst + 1, kRepeat>(blue_red));
+HWY_INLINE WideChannels AddPairOffsets(VI16 y, const PairOffsets& offsets) {
+  return {hn::Add(y, Spread<2 * kFirst + kBlueWord, kRepeat>(offsets.blue)),
+          hn::Sub(y, Spread<2 * kFirst + kGreenWord, kRepeat>(offsets.green)),
+          hn::Add(y, Spread<2 * kFirst + kRedWord, kRepeat>(offsets.red))};
 }
 
-#if PRISMO_BYTE_PERMUTES
-// Bytes of a block of 96, out of two vectors that hold its first and its last 64.
-struct Yuv411Indices {
-  alignas(64) uint8_t luma[64];
-  alignas(64) uint8_t chroma[64];  // in the low bytes of words
+HWY_INLINE void Clamp(const WideChannels& even_blocks, const WideChannels& odd_blocks, V8& b, V8& g, V8& r) {
+  b = ClampToBytes(even_blocks.b, odd_blocks.b);
+  g = ClampToBytes(even_blocks.g, odd_blocks.g);
+  r = ClampToBytes(even_blocks.r, odd_blocks.r);
+}
 
-  constexpr Yuv411Indices() : luma{}, chroma{} {
-    constexpr size_t kLuma[4] = {1, 2, 4, 5};
-    const auto place = [](size_t byte) { return static_cast<uint8_t>(byte < 64 ? byte : byte + 32); };
-    for (size_t j = 0; j < 64; ++j) luma[j] = place(j / 4 * 6 + kLuma[j % 4]);
-    for (size_t j = 0; j < 32; ++j) chroma[2 * j] = place(3 * j);
+// The order in which sources give their pixels.
+inline constexpr Order kYuvOrder = CheapOrder(Order::kAcross);
+
+#if PRISMO_BYTE_PERMUTES
+// The pixel of a word of the vectors that are clamped to bytes in this order: the even (kHalf = 0) or odd
+// 128-bit blocks.
+template <size_t kHalf>
+constexpr size_t PixelOf(size_t word) {
+  return 16 * (2 * kHalf + word % 8 / 4) + 4 * (word / 8) + word % 4;
+}
+
+template <size_t (*kByte)(size_t word)>
+struct LowByteIndices {
+  static constexpr uint64_t kLowBytes = 0x5555555555555555;
+  alignas(64) uint8_t index[64];
+
+  constexpr LowByteIndices() : index{} {
+    for (size_t word = 0; word < 32; ++word) index[2 * word] = static_cast<uint8_t>(kByte(word));
   }
 };
+
+// Words made of the bytes kByte(word) of one vector, or of two that are counted through.
+template <size_t (*kByte)(size_t word)>
+HWY_INLINE VI16 WordsOfBytes(V8 v) {
+  static constexpr LowByteIndices<kByte> kIndices;
+  return VI16{_mm512_maskz_permutexvar_epi8(kIndices.kLowBytes, _mm512_load_si512(kIndices.index), v.raw)};
+}
+template <size_t (*kByte)(size_t word)>
+HWY_INLINE VI16 WordsOfBytes(V8 v0, V8 v1) {
+  static constexpr LowByteIndices<kByte> kIndices;
+  return VI16{
+      _mm512_maskz_permutex2var_epi8(kIndices.kLowBytes, v0.raw, _mm512_load_si512(kIndices.index), v1.raw)};
+}
 #endif
 
 // U Y0 Y1 V Y2 Y3.
@@ -158,34 +245,38 @@ struct Yuv411Source {
   explicit Yuv411Source(uint32_t) {}
 
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
-    VI16 uv, y_low, y_high;
-    LoadGroups(src, uv, y_low, y_high);
-    VI16 blue_red;
-    VI32 green;
-    PairOffsets(uv, blue_red, green);
-    VI16 b_low, g_low, r_low, b_high, g_high, r_high;
-    AddPairOffsets<0, 4>(y_low, blue_red, green, b_low, g_low, r_low);
-    AddPairOffsets<4, 4>(y_high, blue_red, green, b_high, g_high, r_high);
-    b = ClampToBytes(b_low, b_high);
-    g = ClampToBytes(g_low, g_high);
-    r = ClampToBytes(r_low, r_high);
+    VI16 uv, y_even_blocks, y_odd_blocks;
+    LoadGroups(src, uv, y_even_blocks, y_odd_blocks);
+    const PairOffsets offsets = OffsetsOfPairs(uv);
+    Clamp(AddPairOffsets<0, 4>(y_even_blocks, offsets), AddPairOffsets<2, 4>(y_odd_blocks, offsets), b, g, r);
   }
 
  private:
 #if PRISMO_BYTE_PERMUTES
-  static HWY_INLINE void LoadGroups(const uint8_t* src, VI16& uv, VI16& y_low, VI16& y_high) {
-    static constexpr Yuv411Indices kIndices;
-    constexpr __mmask64 kLowBytes = 0x5555555555555555;
-    const __m512i first = _mm512_loadu_si512(src);
-    const __m512i last = _mm512_loadu_si512(src + 32);
-    const __m512i y = _mm512_permutex2var_epi8(first, _mm512_load_si512(kIndices.luma), last);
-    uv = VI16{_mm512_maskz_permutex2var_epi8(kLowBytes, first, _mm512_load_si512(kIndices.chroma), last)};
-    y_low = WordsOfLowerHalves(V8{y});
-    y_high = WordsOfUpperHalves(V8{y});
+  // Of a block of 96 bytes the first and the last 64 are loaded.
+  static constexpr size_t Place(size_t byte) { return byte < 64 ? byte : byte + 32; }
+  template <size_t kHalf>
+  static constexpr size_t LumaPlace(size_t word) {
+    constexpr size_t kLuma[4] = {1, 2, 4, 5};
+    const size_t pixel = PixelOf<kHalf>(word);
+    return Place(pixel / 4 * 6 + kLuma[pixel % 4]);
+  }
+  // Each 128-bit block has the chroma of its pixels.
+  static constexpr size_t ChromaPlace(size_t word) {
+    const size_t pair = word % 8 / 2 * 4 + word / 8;
+    return Place(6 * pair + 3 * (word % 2));
+  }
+
+  static HWY_INLINE void LoadGroups(const uint8_t* src, VI16& uv, VI16& y_even_blocks, VI16& y_odd_blocks) {
+    const V8 first = LoadedOnce(hn::LoadU(D8(), src));
+    const V8 last = LoadedOnce(hn::LoadU(D8(), src + 32));
+    uv = WordsOfBytes<ChromaPlace>(first, last);
+    y_even_blocks = WordsOfBytes<LumaPlace<0> >(first, last);
+    y_odd_blocks = WordsOfBytes<LumaPlace<1> >(first, last);
   }
 #else
   // Each byte of chroma comes before two of luma.
-  static HWY_INLINE void LoadGroups(const uint8_t* src, VI16& uv, VI16& y_low, VI16& y_high) {
+  static HWY_INLINE void LoadGroups(const uint8_t* src, VI16& uv, VI16& y_even_blocks, VI16& y_odd_blocks) {
     const hn::Half<D8> half;
     const DI16 d16;
     hn::Vec<hn::Half<D8> > chroma, luma_even, luma_odd;
@@ -193,8 +284,8 @@ struct Yuv411Source {
     uv = hn::PromoteTo(d16, chroma);
     const VI16 even = hn::PromoteTo(d16, luma_even);
     const VI16 odd = hn::PromoteTo(d16, luma_odd);
-    y_low = hn::InterleaveLower(d16, even, odd);
-    y_high = hn::InterleaveUpper(d16, even, odd);
+    y_even_blocks = hn::InterleaveLower(d16, even, odd);
+    y_odd_blocks = hn::InterleaveUpper(d16, even, odd);
   }
 #endif
 };
@@ -209,26 +300,23 @@ struct Yuv422Source {
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
     V16 even_blocks, odd_blocks;
     SplitBlocks(LoadWords(src), LoadWords(src + kLanes), even_blocks, odd_blocks);
-    VI16 b_even, g_even, r_even, b_odd, g_odd, r_odd;
-    Channels(even_blocks, b_even, g_even, r_even);
-    Channels(odd_blocks, b_odd, g_odd, r_odd);
-    b = ClampToBytes(b_even, b_odd);
-    g = ClampToBytes(g_even, g_odd);
-    r = ClampToBytes(r_even, r_odd);
+    Clamp(Channels(even_blocks), Channels(odd_blocks), b, g, r);
   }
 
  private:
-  static HWY_INLINE void Channels(V16 words, VI16& b, VI16& g, VI16& r) {
+  static HWY_INLINE WideChannels Channels(V16 words) {
     const DI16 d16;
-    VI16 blue_red;
-    VI32 green;
-    PairOffsets(hn::BitCast(d16, hn::And(words, hn::Set(D16(), 0xFF))), blue_red, green);
-    AddPairOffsets<0, 2>(hn::BitCast(d16, hn::ShiftRight<8>(words)), blue_red, green, b, g, r);
+    const VI16 uv = hn::BitCast(d16, hn::And(words, hn::Set(D16(), 0xFF)));
+    return AddPairOffsets<0, 2>(hn::BitCast(d16, hn::ShiftRight<8>(words)), OffsetsOfPairs(uv));
   }
 
-  // The 128-bit blocks of two vectors that follow each other, as ClampToBytes takes them.
+  // Two vectors that follow each other as ClampToBytes takes them.
   static HWY_INLINE void SplitBlocks(V16 first, V16 second, V16& even, V16& odd) {
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
+    const __m512i quads = _mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7);  // four pixels each
+    even = V16{_mm512_permutexvar_epi64(quads, first.raw)};
+    odd = V16{_mm512_permutexvar_epi64(quads, second.raw)};
+#elif HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
     even = V16{_mm512_shuffle_i64x2(first.raw, second.raw, 0x88)};
     odd = V16{_mm512_shuffle_i64x2(first.raw, second.raw, 0xDD)};
 #elif HWY_TARGET == HWY_AVX2
@@ -248,22 +336,66 @@ struct Yuv444Source {
   static constexpr PixelGroup kGroup = GroupOf(prismo::Source::kYuv444);
   explicit Yuv444Source(uint32_t) {}
 
+#if PRISMO_BYTE_PERMUTES
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
-    V8 u, y, v;
-    LoadThreeChannels(src, u, y, v);
-    VI16 b_low, g_low, r_low, b_high, g_high, r_high;
-    Channels(WordsOfLowerHalves(u), WordsOfLowerHalves(y), WordsOfLowerHalves(v), b_low, g_low, r_low);
-    Channels(WordsOfUpperHalves(u), WordsOfUpperHalves(y), WordsOfUpperHalves(v), b_high, g_high, r_high);
-    b = ClampToBytes(b_low, b_high);
-    g = ClampToBytes(g_low, g_high);
-    r = ClampToBytes(r_low, r_high);
+    V8 v[4];
+    for (size_t i = 0; i < 4; ++i) v[i] = LoadedOnce(hn::LoadU(D8(), src + kQuarterStart[i]));
+    Clamp(Channels<0>(v[0], v[1]), Channels<1>(v[2], v[3]), b, g, r);
   }
 
  private:
-  static HWY_INLINE void Channels(VI16 u, VI16 y, VI16 v, VI16& b, VI16& g, VI16& r) {
-    b = hn::Add(y, ChromaOffset(u, kBlueRule));
-    r = hn::Add(y, ChromaOffset(v, kRedRule));
-    g = hn::Sub(y, PixelGreenOffset(u, v));
+  // Vectors that overlap hold a quarter of the block's pixels each.
+  static constexpr size_t kQuarterStart[4] = {0, 48, 96, 128};
+  static constexpr size_t Place(size_t pixel, size_t byte) {
+    return 3 * pixel + byte - kQuarterStart[pixel / 16];
+  }
+  template <size_t kHalf>
+  static constexpr size_t LumaPlace(size_t word) {
+    const size_t pixel = PixelOf<kHalf>(word);
+    return pixel / 16 % 2 * 64 + Place(pixel, 1);
+  }
+  template <size_t kQuarter>
+  static constexpr size_t ChromaPlace(size_t word) {
+    return Place(16 * kQuarter + word / 2, word % 2 * 2);
+  }
+
+  template <size_t kHalf>
+  static HWY_INLINE WideChannels Channels(V8 v0, V8 v1) {
+    const VI16 y = WordsOfBytes<LumaPlace<kHalf> >(v0, v1);
+    const PairOffsets low = OffsetsOfPairs(WordsOfBytes<ChromaPlace<2 * kHalf> >(v0));
+    const PairOffsets high = OffsetsOfPairs(WordsOfBytes<ChromaPlace<2 * kHalf + 1> >(v1));
+    return {hn::Add(y, OfPixels<kBlueWord>(low.blue, high.blue)),
+            hn::Sub(y, OfPixels<kGreenWord>(low.green, high.green)),
+            hn::Add(y, OfPixels<kRedWord>(low.red, high.red))};
+  }
+
+  // A word of each 32-bit lane, in the order of luma.
+  template <size_t kWord>
+  static HWY_INLINE VI16 OfPixels(VI16 low, VI16 high) {
+    alignas(64) static constexpr auto kIndices = [] {
+      struct {
+        uint16_t index[32];
+      } t{};
+      for (size_t i = 0; i < 32; ++i) {
+        const size_t pixel = PixelOf<0>(i);
+        t.index[i] = static_cast<uint16_t>(2 * pixel + kWord);
+      }
+      return t;
+    }();
+    return VI16{_mm512_permutex2var_epi16(low.raw, _mm512_load_si512(kIndices.index), high.raw)};
+  }
+#else
+  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
+    V8 u, y, v;
+    LoadThreeChannels(src, u, y, v);
+    Clamp(Channels(WordsOfLowerHalves(u), WordsOfLowerHalves(y), WordsOfLowerHalves(v)),
+          Channels(WordsOfUpperHalves(u), WordsOfUpperHalves(y), WordsOfUpperHalves(v)), b, g, r);
+  }
+
+ private:
+  static HWY_INLINE WideChannels Channels(VI16 u, VI16 y, VI16 v) {
+    return {hn::Add(y, ChromaOffset(u, kBlueRule)), hn::Sub(y, PixelGreenOffset(u, v)),
+            hn::Add(y, ChromaOffset(v, kRedRule))};
   }
 
   static HWY_INLINE VI16 PixelGreenOffset(VI16 u, VI16 v) {
@@ -272,12 +404,13 @@ struct Yuv444Source {
     const VI16 zero = hn::Zero(d16);
     u = hn::Sub(u, hn::Set(d16, 128));
     v = hn::Sub(v, hn::Set(d16, 128));
-    const VI32 low = GreenOffset(hn::BitCast(d32, hn::InterleaveLower(d16, zero, u)),
-                                 hn::BitCast(d32, hn::InterleaveLower(d16, zero, v)));
-    const VI32 high = GreenOffset(hn::BitCast(d32, hn::InterleaveUpper(d16, zero, u)),
-                                  hn::BitCast(d32, hn::InterleaveUpper(d16, zero, v)));
+    const VI32 low = GreenOffsetOf(hn::BitCast(d32, hn::InterleaveLower(d16, zero, u)),
+                                   hn::BitCast(d32, hn::InterleaveLower(d16, zero, v)));
+    const VI32 high = GreenOffsetOf(hn::BitCast(d32, hn::InterleaveUpper(d16, zero, u)),
+                                    hn::BitCast(d32, hn::InterleaveUpper(d16, zero, v)));
     return hn::ReorderDemote2To(d16, low, high);
   }
+#endif
 };
 #endif  // HWY_SCALAR
 

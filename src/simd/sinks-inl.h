@@ -29,8 +29,9 @@ HWY_INLINE void PrepareLines(const uint8_t* to, size_t bytes, size_t ahead = kPr
 
 // Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
 // 128-bit lane first those at even places, then those at odd ones, as packing leaves them, or in each 32-bit
-// lane four that are a quarter of the block apart.
-enum class Order { kPixels, kHalves, kFromQuarters };
+// lane four that are a quarter of the block apart, or in each 128-bit lane four neighbours of each quarter,
+// as interleaving takes them.
+enum class Order { kPixels, kHalves, kFromQuarters, kAcross };
 
 // The byte that holds a pixel.
 template <Order kOrder>
@@ -43,6 +44,8 @@ constexpr size_t PlaceOf(size_t pixel) {
       return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
     case Order::kFromQuarters:
       return pixel % kQuarter * 4 + pixel / kQuarter;
+    case Order::kAcross:
+      return pixel % 16 / 4 * 16 + pixel / 16 * 4 + pixel % 4;
   }
 }
 
@@ -63,19 +66,20 @@ HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& 
   const D8 d8;
   const D16 d16;
 #if HWY_TARGET <= HWY_AVX3_DL
-  alignas(64) static constexpr auto kTranspose = [] {
-    struct {
-      uint8_t index[64];
-    } t{};
-    for (size_t i = 0; i < 64; ++i) {
-      t.index[i] = static_cast<uint8_t>(PlaceOf<kOrder>(i % 16 / 4 * 16 + i / 16 * 4 + i % 4));
-    }
-    return t;
-  }();
-  const __m512i transpose = _mm512_load_si512(kTranspose.index);
-  b = V8{_mm512_permutexvar_epi8(transpose, b.raw)};
-  g = V8{_mm512_permutexvar_epi8(transpose, g.raw)};
-  r = V8{_mm512_permutexvar_epi8(transpose, r.raw)};
+  if constexpr (kOrder != Order::kAcross) {
+    alignas(64) static constexpr auto kTranspose = [] {
+      struct {
+        uint8_t index[64];
+      } t{};
+      for (size_t i = 0; i < 64; ++i)
+        t.index[PlaceOf<Order::kAcross>(i)] = static_cast<uint8_t>(PlaceOf<kOrder>(i));
+      return t;
+    }();
+    const __m512i transpose = _mm512_load_si512(kTranspose.index);
+    b = V8{_mm512_permutexvar_epi8(transpose, b.raw)};
+    g = V8{_mm512_permutexvar_epi8(transpose, g.raw)};
+    r = V8{_mm512_permutexvar_epi8(transpose, r.raw)};
+  }
 #elif HWY_TARGET != HWY_SSE4
   const D32 d32;
   constexpr size_t kQuads = kLanes / 16;
