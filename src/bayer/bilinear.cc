@@ -76,6 +76,7 @@ void BilinearJob::Rows(RowRange range) const {
     RowTarget target{{plane[0] + dst_pitch * y}, 0};
     for (uint32_t i = 1; i < planes; ++i) target.plane[i] = plane[i] + dst_pitch * y;
     convert(lines, {size.width, columns, RoleOf(phase, y), y >= 2 && y + 2 <= last}, target);
+    if (pad_bytes == 0) continue;
     for (uint32_t i = 0; i < planes; ++i) std::memset(target.plane[i] + dst_pitch - pad_bytes, 0, pad_bytes);
   }
   simd::FinishStores(stores);

@@ -105,14 +105,15 @@ HWY_INLINE void ReadAhead(const T* from) {
 //     computes any other block, from column x on; called after the inner ones
 // A block is the colour of the row's sites that are not green, green, and the colour of the rows between.
 // kAnyColumn tells that inner blocks may begin and end anywhere where memory can be read, and that they may
-// overlap.
-template <StoreKind kStores, bool kAnyColumn = false, class Sink, class Inner, class Border>
+// overlap; kInnerOrder, how their pixels stand.
+template <StoreKind kStores, bool kAnyColumn = false, Order kInnerOrder = Order::kPixels, class Sink,
+          class Inner, class Border>
 HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, const Sink& sink,
                              const Inner& inner, const Border& border) {
   const size_t begin = row.columns.begin;
   const size_t end = row.columns.end;
   const bool blue = row.role.blue;
-  const auto store = [blue](const Sink& to, size_t x, V8 row_colour, V8 green, V8 other) PRISMO_INLINE {
+  const auto store = [blue](const auto& to, size_t x, V8 row_colour, V8 green, V8 other) PRISMO_INLINE {
     if (blue) {
       to.template Store<kStores>(x, row_colour, green, other);
     } else {
@@ -151,7 +152,8 @@ HWY_INLINE void CoverColumns(const BayerRow& row, ColumnRange inner_columns, con
   const size_t blocks = (std::max(inner_to, x) - x) / kLanes;
   const bool last_is_inner = kAnyColumn && kStores == StoreKind::kCached && kLanes > 1 && blocks > 0 &&
                              end <= inner_to && (end - x) % 2 == 0;
-  const Sink inner_sink = sink;  // a copy: `some` takes the address of the original, which keeps it in memory
+  // A copy: `some` takes the address of the original, which keeps it in memory.
+  const auto inner_sink = sink.template Taking<kInnerOrder>();
   // Known where green sites are, neighbours of green and of other sites turn out to be the same vectors.
   const auto inner_blocks = [&](auto starts_green) PRISMO_INLINE {
     const auto one = [&](auto& compute, size_t block) PRISMO_INLINE {

@@ -27,36 +27,6 @@ HWY_INLINE void PrepareLines(const uint8_t* to, size_t bytes, size_t ahead = kPr
   for (size_t i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(to + ahead + i, 1);
 }
 
-// Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
-// 128-bit lane first those at even places, then those at odd ones, as packing leaves them, or in each 32-bit
-// lane four that are a quarter of the block apart, or in each 128-bit lane four neighbours of each quarter,
-// as interleaving takes them.
-enum class Order { kPixels, kHalves, kFromQuarters, kAcross };
-
-// The byte that holds a pixel.
-template <Order kOrder>
-constexpr size_t PlaceOf(size_t pixel) {
-  constexpr size_t kQuarter = kLanes < 4 ? 1 : kLanes / 4;
-  switch (kOrder) {
-    case Order::kPixels:
-      return pixel;
-    case Order::kHalves:
-      return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
-    case Order::kFromQuarters:
-      return pixel % kQuarter * 4 + pixel / kQuarter;
-    case Order::kAcross:
-      return pixel % 16 / 4 * 16 + pixel / 16 * 4 + pixel % 4;
-  }
-}
-
-// Byte permutes across a whole block take pixels from anywhere at no extra cost.
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL
-inline constexpr bool kAnyOrder = true;
-#else
-inline constexpr bool kAnyOrder = false;
-#endif
-constexpr Order CheapOrder(Order order) { return kAnyOrder ? order : Order::kPixels; }
-
 #if PRISMO_OWN_INTERLEAVE
 
 // Bytes B0 G0 R0 A0 B1 ... of one block, as four vectors. The permute puts into each 128-bit lane the
@@ -110,15 +80,14 @@ HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& 
 template <size_t kElements, typename Index, size_t kUnit, Order kOrder = Order::kPixels>
 struct Interleave3Indices {
   alignas(64) Index index[3][kElements * kUnit];
-  uint64_t second[3], third[3];  // lanes that take channels 1 and 2
+  uint64_t third[3];  // lanes that take channel 2
 
-  constexpr Interleave3Indices() : index{}, second{}, third{} {
+  constexpr Interleave3Indices() : index{}, third{} {
     for (size_t out = 0; out < 3; ++out) {
       for (size_t i = 0; i < kElements * kUnit; ++i) {
         const size_t j = out * kElements + i / kUnit;
         const size_t from = PlaceOf<kOrder>(j / 3) * kUnit + i % kUnit;
         index[out][i] = static_cast<Index>(j % 3 == 1 ? kElements * kUnit + from : from);
-        if (j % 3 == 1) second[out] |= uint64_t{1} << i;
         if (j % 3 == 2) third[out] |= uint64_t{1} << i;
       }
     }
@@ -133,8 +102,7 @@ HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
   V8* const out[3] = {&v0, &v1, &v2};
   for (size_t i = 0; i < 3; ++i) {
     const __m512i index = _mm512_load_si512(kIndices.index[i]);
-    const __m512i only_b = _mm512_permutexvar_epi8(index, b.raw);
-    const __m512i bg = _mm512_mask_permutexvar_epi8(only_b, kIndices.second[i], index, g.raw);
+    const __m512i bg = _mm512_permutex2var_epi8(b.raw, index, g.raw);
     *out[i] = V8{_mm512_mask_permutexvar_epi8(bg, kIndices.third[i], index, r.raw)};
   }
 }
@@ -194,6 +162,12 @@ struct PackedSink {
   static constexpr size_t kPixelBytes = kBytes;
   uint8_t* dst;
   size_t first = 0;  // the pixel at dst
+
+  // The same picture, for blocks in another order.
+  template <Order kOther>
+  HWY_INLINE PackedSink<kBytes, kOther == Order::kPixels ? kOrder : kOther> Taking() const {
+    return {dst, first};
+  }
 
   template <StoreKind kStores>
   HWY_INLINE void Store(size_t x, V8 b, V8 g, V8 r) const {
@@ -275,6 +249,12 @@ struct PlanarSink {
   static constexpr size_t kPixelBytes = 1;
   uint8_t* plane[3];  // blue, green, red
   size_t first = 0;   // the pixel at the planes' first bytes
+
+  template <Order kOther>
+  HWY_INLINE PlanarSink Taking() const {
+    static_assert(kOther == Order::kPixels);
+    return *this;
+  }
 
   template <StoreKind kStores>
   HWY_INLINE void Store(size_t x, V8 b, V8 g, V8 r) const {

@@ -38,25 +38,61 @@ using VI16 = hn::Vec<DI16>;
 using VI32 = hn::Vec<DI32>;
 inline constexpr size_t kLanes = HWY_MAX_BYTES == 1 ? 1 : hn::MaxLanes(D8());
 
-// One byte of each 16-bit lane, in order.
+// Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
+// 128-bit lane first those at even places, then those at odd ones, as packing leaves them, or in each 32-bit
+// lane four that are a quarter of the block apart, or in each 128-bit lane four neighbours of each quarter,
+// as interleaving takes them.
+enum class Order { kPixels, kHalves, kFromQuarters, kAcross };
+
+// The byte that holds a pixel.
+template <Order kOrder>
+constexpr size_t PlaceOf(size_t pixel) {
+  constexpr size_t kQuarter = kLanes < 4 ? 1 : kLanes / 4;
+  switch (kOrder) {
+    case Order::kPixels:
+      return pixel;
+    case Order::kHalves:
+      return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
+    case Order::kFromQuarters:
+      return pixel % kQuarter * 4 + pixel / kQuarter;
+    case Order::kAcross:
+      return pixel % 16 / 4 * 16 + pixel / 16 * 4 + pixel % 4;
+  }
+}
+
+// Byte permutes across a whole block take pixels from anywhere at no extra cost.
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL
+inline constexpr bool kAnyOrder = true;
+#else
+inline constexpr bool kAnyOrder = false;
+#endif
+constexpr Order CheapOrder(Order order) { return kAnyOrder ? order : Order::kPixels; }
+
+// One byte of each 16-bit lane.
 #if HWY_TARGET == HWY_SCALAR
 inline constexpr size_t kWordVectors = 1;  // vectors of words for one vector of bytes
 #else
 inline constexpr size_t kWordVectors = 2;
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
-template <uint8_t kFirst>
+template <size_t kFirst, Order kOrder>
 HWY_INLINE V8 EverySecondByte(V16 low, V16 high) {
   alignas(64) static constexpr auto kIndices = [] {
     struct {
       uint8_t index[64];
     } t{};
-    for (uint8_t i = 0; i < 64; ++i) t.index[i] = static_cast<uint8_t>(2 * i + kFirst);
+    for (size_t i = 0; i < 64; ++i) t.index[PlaceOf<kOrder>(i)] = static_cast<uint8_t>(2 * i + kFirst);
     return t;
   }();
   return V8{_mm512_permutex2var_epi8(low.raw, _mm512_load_si512(kIndices.index), high.raw)};
 }
-HWY_INLINE V8 LowBytes(V16 low, V16 high) { return EverySecondByte<0>(low, high); }
-HWY_INLINE V8 HighBytes(V16 low, V16 high) { return EverySecondByte<1>(low, high); }
+template <Order kOrder = Order::kPixels>
+HWY_INLINE V8 LowBytes(V16 low, V16 high) {
+  return EverySecondByte<0, kOrder>(low, high);
+}
+template <Order kOrder = Order::kPixels>
+HWY_INLINE V8 HighBytes(V16 low, V16 high) {
+  return EverySecondByte<1, kOrder>(low, high);
+}
 #else
 HWY_INLINE V8 LowBytes(V16 low, V16 high) {
   return hn::ConcatEven(D8(), hn::BitCast(D8(), high), hn::BitCast(D8(), low));
