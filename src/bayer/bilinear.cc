@@ -34,7 +34,7 @@ LogFunction EntryName(const BilinearForm& form) {
 }  // namespace
 
 simd::TimeGoesTo TimeOnPool() {
-  return mp::HasSeveralThreads() ? simd::TimeGoesTo::kMemory : simd::TimeGoesTo::kArithmetic;
+  return mp::HasSeveralThreads() ? simd::TimeGoesTo::kMemory : simd::TimeGoesTo::kBoth;
 }
 
 BilinearJob MakeBilinearJob(const BilinearForm& form, void* dst, const void* src, FrameSize size,
@@ -87,8 +87,9 @@ Status BilinearOnCaller(const BilinearForm& form, void* dst, const void* src, Fr
   if (!dst || !src) return Status::kInvalidParameter;
   if (size.Empty()) return Status::kSuccess;
   if (!size.Even()) return Status::kInvalidParameter;
-  MakeBilinearJob(form, dst, src, size, shift, simd::TimeGoesTo::kArithmetic)
-      .Rows({0, static_cast<int32_t>(size.height)});
+  // Words are streamed from half of the cache on: plain stores take 1.05 to 1.15 of the time at 25 MB.
+  const auto time = form.depth == BayerDepth::k8 ? simd::TimeGoesTo::kBoth : simd::TimeGoesTo::kArithmetic;
+  MakeBilinearJob(form, dst, src, size, shift, time).Rows({0, static_cast<int32_t>(size.height)});
   return Status::kSuccess;
 }
 

@@ -63,7 +63,7 @@ Status Check(const ColourPlanes& planes, const void* src, FrameSize size) {
 Status PlanesOnCaller(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad) {
   const Status status = Check(planes, src, size);
   if (status != Status::kSuccess || size.Empty()) return status;
-  const PlanesJobs jobs(phase, planes, src, size, pad, simd::TimeGoesTo::kArithmetic);
+  const PlanesJobs jobs(phase, planes, src, size, pad, simd::TimeGoesTo::kBoth);
   jobs.ConvertOuterRows();
   jobs.middle.Rows({1, static_cast<int32_t>(size.height - 2)});
   return Status::kSuccess;

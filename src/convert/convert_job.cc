@@ -27,7 +27,7 @@ size_t StoreReach(Source source, bool rows_apart) { return source == Source::kMo
 }  // namespace
 
 simd::TimeGoesTo TimeOf(Source source) {
-  return source < Source::kYuv411 ? simd::TimeGoesTo::kMemory : simd::TimeGoesTo::kArithmetic;
+  return source < Source::kYuv411 ? simd::TimeGoesTo::kMemory : simd::TimeGoesTo::kBoth;
 }
 
 size_t SourceRowBytes(Source source, uint32_t width) {

@@ -28,10 +28,11 @@ void SetTarget(Target target);
 // kStreaming bypasses the caches: right for results that the cache could not hold anyway.
 enum class StoreKind : uint8_t { kCached, kStreaming };
 
-// What takes a conversion's time in the cache. Several threads of the pool share the arithmetic: there it is
-// the memory for all but the adaptive demosaic (measured with two threads at 5 megapixels: 0.5 to 0.65 of the
-// time where it stays in the cache; adaptive the same).
-enum class TimeGoesTo : uint8_t { kMemory, kArithmetic };
+// What takes a conversion's time in the cache. kBoth: arithmetic that kAvx512Vbmi has the instructions for.
+// Several threads of the pool share the arithmetic: there it is the memory for all but the adaptive demosaic
+// (measured with two threads at 5 megapixels: 0.5 to 0.65 of the time where it stays in the cache; adaptive
+// the same).
+enum class TimeGoesTo : uint8_t { kMemory, kBoth, kArithmetic };
 
 // The kind of store for a conversion that reads and writes this many bytes in all. `reach` tells how many
 // times as much cache as others it can count on where the cache is that of a whole server socket.
