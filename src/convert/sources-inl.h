@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "convert/convert_rows.h"
+#include "simd/pieces-inl.h"
 #include "simd/samples-inl.h"
 #include "simd/sinks-inl.h"
 
@@ -48,6 +49,20 @@ HWY_INLINE V8 Deinterleaved(V8 v0, V8 v1, V8 v2) {
   return V8{_mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(v0.raw, index, v1.raw), kIndices.third,
                                          index, v2.raw)};
 }
+#elif PRISMO_OWN_INTERLEAVE
+// Byte j of a channel is byte 3 j + channel of three pieces. Taken to one piece from all three, it is where
+// it was in its own.
+template <size_t kChannel>
+HWY_INLINE V8 InOrder(V8 channel) {
+  alignas(16) static constexpr auto kPlaces = [] {
+    struct {
+      uint8_t at[16];
+    } places{};
+    for (size_t j = 0; j < 16; ++j) places.at[j] = static_cast<uint8_t>((3 * j + kChannel) % 16);
+    return places;
+  }();
+  return hn::TableLookupBytes(channel, hn::LoadDup128(D8(), kPlaces.at));
+}
 #endif
 
 HWY_INLINE void LoadThreeChannels(const uint8_t* src, V8& c0, V8& c1, V8& c2) {
@@ -58,6 +73,13 @@ HWY_INLINE void LoadThreeChannels(const uint8_t* src, V8& c0, V8& c1, V8& c2) {
   c0 = Deinterleaved<0>(v0, v1, v2);
   c1 = Deinterleaved<1>(v0, v1, v2);
   c2 = Deinterleaved<2>(v0, v1, v2);
+#elif PRISMO_OWN_INTERLEAVE
+  const V8 v0 = LoadPiecesApart<48>(src);
+  const V8 v1 = LoadPiecesApart<48>(src + 16);
+  const V8 v2 = LoadPiecesApart<48>(src + 32);
+  c0 = InOrder<0>(TakeTurns(v0, v2, v1));
+  c1 = InOrder<1>(TakeTurns(v1, v0, v2));
+  c2 = InOrder<2>(TakeTurns(v2, v1, v0));
 #else
   hn::LoadInterleaved3(D8(), src, c0, c1, c2);
 #endif

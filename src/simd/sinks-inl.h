@@ -76,74 +76,95 @@ HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& 
   v3 = hn::BitCast(d8, hn::InterleaveUpper(d16, bg_high, ra_high));
 }
 
-// Byte (or 16-byte chunk) j of three interleaved channels comes from element j / 3 of channel j % 3.
-template <size_t kElements, typename Index, size_t kUnit, Order kOrder = Order::kPixels>
+// Bytes B0 G0 R0 B1 ... of one block, as three vectors.
+#if HWY_TARGET <= HWY_AVX3_DL
+template <Order kOrder>
 struct Interleave3Indices {
-  alignas(64) Index index[3][kElements * kUnit];
-  uint64_t third[3];  // lanes that take channel 2
+  alignas(64) uint8_t index[3][64];
+  uint64_t red[3];  // bytes that come from the third channel
 
-  constexpr Interleave3Indices() : index{}, third{} {
-    for (size_t out = 0; out < 3; ++out) {
-      for (size_t i = 0; i < kElements * kUnit; ++i) {
-        const size_t j = out * kElements + i / kUnit;
-        const size_t from = PlaceOf<kOrder>(j / 3) * kUnit + i % kUnit;
-        index[out][i] = static_cast<Index>(j % 3 == 1 ? kElements * kUnit + from : from);
-        if (j % 3 == 2) third[out] |= uint64_t{1} << i;
+  constexpr Interleave3Indices() : index{}, red{} {
+    for (size_t j = 0; j < 192; ++j) {
+      const size_t from = PlaceOf<kOrder>(j / 3);
+      index[j / 64][j % 64] = static_cast<uint8_t>(j % 3 == 1 ? 64 + from : from);
+      if (j % 3 == 2) red[j / 64] |= uint64_t{1} << j % 64;
+    }
+  }
+};
+
+template <Order kOrder>
+HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
+  static constexpr Interleave3Indices<kOrder> kIndices;
+  V8* const out[3] = {&v0, &v1, &v2};
+  for (size_t i = 0; i < 3; ++i) {
+    const __m512i index = _mm512_load_si512(kIndices.index[i]);
+    const __m512i bg = _mm512_permutex2var_epi8(b.raw, index, g.raw);
+    *out[i] = V8{_mm512_mask_permutexvar_epi8(bg, kIndices.red[i], index, r.raw)};
+  }
+}
+#else
+// Three interleaved channels in units of kUnit elements: unit j comes from unit j / 3 of channel j % 3. As
+// vectors, and the lanes or blocks of them, hold one unit more than a multiple of three, each place of the
+// three outputs takes its unit from another channel: one shuffle of each channel serves them all (0.87 to
+// 0.95 of the time of three).
+template <size_t kUnits, typename Index, size_t kUnit = 1>
+struct TurnIndices {
+  static_assert(kUnits % 3 == 1);
+  alignas(64) Index of_channel[3][kUnits * kUnit];
+
+  constexpr TurnIndices() : of_channel{} {
+    for (size_t j = 0; j < 3 * kUnits; ++j) {
+      for (size_t i = 0; i < kUnit; ++i) {
+        of_channel[j % 3][j % kUnits * kUnit + i] = static_cast<Index>(j / 3 * kUnit + i);
       }
     }
   }
 };
 
-#if HWY_TARGET <= HWY_AVX3_DL
-// Bytes B0 G0 R0 B1 ... of one block, as three vectors.
-template <Order kOrder>
-HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
-  static constexpr Interleave3Indices<64, uint8_t, 1, kOrder> kIndices;
-  V8* const out[3] = {&v0, &v1, &v2};
-  for (size_t i = 0; i < 3; ++i) {
-    const __m512i index = _mm512_load_si512(kIndices.index[i]);
-    const __m512i bg = _mm512_permutex2var_epi8(b.raw, index, g.raw);
-    *out[i] = V8{_mm512_mask_permutexvar_epi8(bg, kIndices.third[i], index, r.raw)};
-  }
+// Bytes kFirst, kFirst + 3, kFirst + 6 ... of each 128-bit lane.
+template <size_t kFirst>
+HWY_INLINE hn::Mask<D8> EveryThirdByte() {
+  alignas(16) static constexpr auto kBytes = [] {
+    struct {
+      uint8_t at[16];
+    } bytes{};
+    for (size_t i = kFirst; i < 16; i += 3) bytes.at[i] = 255;
+    return bytes;
+  }();
+  return hn::MaskFromVec(hn::LoadDup128(D8(), kBytes.at));
 }
-#else
+
+HWY_INLINE V8 TakeTurns(V8 bytes_0, V8 bytes_1, V8 bytes_2) {
+  return hn::IfThenElse(EveryThirdByte<2>(), bytes_2, hn::IfThenElse(EveryThirdByte<1>(), bytes_1, bytes_0));
+}
+
 // 16 pixels in each 128-bit lane make three 16-byte chunks; chunk i of every lane goes to one vector.
-HWY_INLINE V8 InterleavedChunk(V8 b, V8 g, V8 r, const uint8_t (&from)[3][16]) {
-  const D8 d8;
-  return hn::Or(hn::Or(hn::TableLookupBytesOr0(b, hn::LoadDup128(d8, from[0])),
-                       hn::TableLookupBytesOr0(g, hn::LoadDup128(d8, from[1]))),
-                hn::TableLookupBytesOr0(r, hn::LoadDup128(d8, from[2])));
-}
-
-struct ChunkIndices {
-  alignas(16) uint8_t from[3][3][16];  // [chunk][channel]; 0x80 looks up a zero
-
-  constexpr ChunkIndices() : from{} {
-    for (size_t chunk = 0; chunk < 3; ++chunk)
-      for (size_t channel = 0; channel < 3; ++channel)
-        for (size_t i = 0; i < 16; ++i) {
-          const size_t j = 16 * chunk + i;
-          from[chunk][channel][i] = j % 3 == channel ? static_cast<uint8_t>(j / 3) : 0x80;
-        }
-  }
-};
-
 template <Order>
 HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
-  static constexpr ChunkIndices kChunks;
-  const V8 c0 = InterleavedChunk(b, g, r, kChunks.from[0]);
-  const V8 c1 = InterleavedChunk(b, g, r, kChunks.from[1]);
-  const V8 c2 = InterleavedChunk(b, g, r, kChunks.from[2]);
-#if HWY_TARGET <= HWY_AVX3
-  static constexpr Interleave3Indices<4, uint64_t, 2> kIndices;
-  V8* const out[3] = {&v0, &v1, &v2};
-  for (size_t i = 0; i < 3; ++i) {
-    const __m512i index = _mm512_load_si512(kIndices.index[i]);
-    const __m512i c01 = _mm512_permutex2var_epi64(c0.raw, index, c1.raw);
-    *out[i] = V8{_mm512_mask_permutexvar_epi64(c01, static_cast<__mmask8>(kIndices.third[i]), index, c2.raw)};
-  }
-#elif HWY_TARGET == HWY_AVX2
   const D8 d8;
+  static constexpr TurnIndices<16, uint8_t> kIndices;
+  const V8 blue = hn::TableLookupBytes(b, hn::LoadDup128(d8, kIndices.of_channel[0]));
+  const V8 green = hn::TableLookupBytes(g, hn::LoadDup128(d8, kIndices.of_channel[1]));
+  const V8 red = hn::TableLookupBytes(r, hn::LoadDup128(d8, kIndices.of_channel[2]));
+  const V8 c0 = TakeTurns(blue, green, red);
+  const V8 c1 = TakeTurns(green, red, blue);
+  const V8 c2 = TakeTurns(red, blue, green);
+#if HWY_TARGET <= HWY_AVX3
+  // The same with chunks.
+  static constexpr TurnIndices<4, uint64_t, 2> kChunks;
+  const auto shuffle = [](const uint64_t(&index)[8], V8 chunks) PRISMO_INLINE {
+    return _mm512_permutexvar_epi64(_mm512_load_si512(index), chunks.raw);
+  };
+  const __m512i first = shuffle(kChunks.of_channel[0], c0);
+  const __m512i second = shuffle(kChunks.of_channel[1], c1);
+  const __m512i third = shuffle(kChunks.of_channel[2], c2);
+  const auto take_turns = [](__m512i x, __m512i y, __m512i z) PRISMO_INLINE {
+    return V8{_mm512_mask_blend_epi64(0x30, _mm512_mask_blend_epi64(0x0C, x, y), z)};
+  };
+  v0 = take_turns(first, second, third);
+  v1 = take_turns(second, third, first);
+  v2 = take_turns(third, first, second);
+#elif HWY_TARGET == HWY_AVX2
   v0 = hn::ConcatLowerLower(d8, c1, c0);
   v1 = hn::ConcatUpperLower(d8, c0, c2);
   v2 = hn::ConcatUpperUpper(d8, c2, c1);
