@@ -222,6 +222,73 @@ void StoreAtEdge(const T* const (&lines)[3], size_t x, size_t inside, const RowR
   }
 }
 
+#if HWY_TARGET != HWY_SCALAR
+template <bool kOdd>
+HWY_INLINE V16 BytesOfWords(V16 v) {
+  if constexpr (kOdd) return hn::ShiftRight<8>(v);
+  return hn::And(v, hn::Set(D16(), 0xFF));
+}
+
+// Bytes inside the frame: two neighbouring sites are a word, one of them green. Sums are words, computed for
+// one of the two. A site's neighbours are the other site of its word and one in a word beside it.
+template <bool kStartsGreen>
+struct SitePairs {
+  static constexpr bool kGreenOdd = !kStartsGreen;
+  // The words beside in which neighbours of the other sites are green, and those of green ones are not.
+  static constexpr int kOfGreen = kStartsGreen ? 1 : -1, kOfColour = -kOfGreen;
+
+  V16 own;
+  V16 green_beside, colour_beside;        // samples of the row
+  V16 green_column;                       // sums of the samples above and below: of the other sites
+  V16 other_column, other_column_beside;  // of green ones
+
+  HWY_INLINE void Interpolate(V8& row_colour, V8& green, V8& other_colour) const {
+    const V16 greens = hn::Add(BytesOfWords<kGreenOdd>(own), green_beside);
+    const V16 colours = hn::Add(BytesOfWords<!kGreenOdd>(own), colour_beside);
+    row_colour = AtSites(AverageAtGreen(colours), own);
+    green = AtSites(own, AverageOf4(hn::Add(greens, green_column)));
+    other_colour =
+        AtSites(AverageAtGreen(other_column), AverageOf4(hn::Add(other_column, other_column_beside)));
+  }
+
+ private:
+  // Averages in the byte of a word that they are for.
+  static HWY_INLINE V16 AverageAtGreen(V16 sum_of_2) {
+    if constexpr (kGreenOdd) return hn::ShiftLeft<7>(sum_of_2);
+    return hn::ShiftRight<1>(sum_of_2);
+  }
+  static HWY_INLINE V16 AverageOf4(V16 sum) {
+    if constexpr (kGreenOdd) return hn::ShiftRight<2>(sum);
+    return hn::ShiftLeft<6>(sum);
+  }
+  static HWY_INLINE V8 AtSites(V16 green, V16 others) {
+    const D8 d;
+    return AtGreenSites(d, kStartsGreen, hn::BitCast(d, green), hn::BitCast(d, others));
+  }
+};
+
+// Of the block at `lines`.
+template <bool kStartsGreen>
+HWY_INLINE SitePairs<kStartsGreen> LoadSitePairs(const uint8_t* const (&lines)[3]) {
+  using Pairs = SitePairs<kStartsGreen>;
+  constexpr bool kGreenOdd = Pairs::kGreenOdd;
+  const auto words = [&](size_t line, ptrdiff_t dx) PRISMO_INLINE {
+    return hn::BitCast(D16(), LoadedOnce(hn::LoadU(D8(), lines[line] + dx)));
+  };
+  const auto low_bytes = [&](size_t line, ptrdiff_t dx)
+                             PRISMO_INLINE { return BytesOfWords<false>(words(line, dx)); };
+  constexpr ptrdiff_t kGreenBeside = 2 * Pairs::kOfGreen + (kGreenOdd ? 1 : 0);
+  constexpr ptrdiff_t kColourBeside = 2 * Pairs::kOfColour + (kGreenOdd ? 0 : 1);
+  const V16 above = words(0, 0), below = words(2, 0);
+  return {words(1, 0),
+          low_bytes(1, kGreenBeside),
+          low_bytes(1, kColourBeside),
+          hn::Add(BytesOfWords<!kGreenOdd>(above), BytesOfWords<!kGreenOdd>(below)),
+          hn::Add(BytesOfWords<kGreenOdd>(above), BytesOfWords<kGreenOdd>(below)),
+          hn::Add(low_bytes(0, kGreenBeside), low_bytes(2, kGreenBeside))};
+}
+#endif
+
 #undef PRISMO_BLOCKS_IN_A_ROW
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
 #define PRISMO_BLOCKS_IN_A_ROW 1
@@ -281,17 +348,10 @@ HWY_INLINE V16 BytesAt(const ThreeVectors& v) {
   return V16{_mm512_maskz_permutex2var_epi8(kLowBytes, v.here.raw, from, v.behind.raw)};
 }
 
-template <bool kOdd>
-HWY_INLINE V16 BytesOfWords(V16 v) {
-  if constexpr (kOdd) return hn::ShiftRight<8>(v);
-  return hn::And(v, hn::Set(D16(), 0xFF));
-}
-
 // They read a vector of samples before the first and one behind the last column.
 template <class A, bool kStartsGreen, Order kOrder>
 class InARow;
 
-// Bytes: two neighbours are a word, one of them a green site. Sums are words, computed for one of the two.
 template <bool kStartsGreen, Order kOrder>
 class InARow<Bytes, kStartsGreen, kOrder> {
  public:
@@ -304,20 +364,18 @@ class InARow<Bytes, kStartsGreen, kOrder> {
   HWY_INLINE void Compute(V8& row_colour, V8& green, V8& other_colour) {
     ReadAhead(down_);
     Load();
-    // The word beside that has the nearer sample of the other site's kind.
-    constexpr int kOfGreen = kStartsGreen ? 1 : -1, kOfColour = -kOfGreen;
-    const V16 own = WordsAt<0, kOrder>(row_);
-    const V16 greens = hn::Add(BytesOfWords<kGreenOdd>(own), BytesAt<kOfGreen, kOrder, kGreenOdd>(row_));
-    const V16 colours = hn::Add(BytesOfWords<!kGreenOdd>(own), BytesAt<kOfColour, kOrder, !kGreenOdd>(row_));
-    const V16 other_column = WordsAt<0, kOrder>(other_columns_);
-    const V16 others = hn::Add(other_column, WordsAt<kOfGreen, kOrder>(other_columns_));
-    row_colour = AtSites(AverageAtGreen(colours), own);
-    green = AtSites(own, AverageOf4(hn::Add(greens, WordsAt<0, kOrder>(green_columns_))));
-    other_colour = AtSites(AverageAtGreen(other_column), AverageOf4(others));
+    const Pairs pairs{WordsAt<0, kOrder>(row_),
+                      BytesAt<Pairs::kOfGreen, kOrder, kGreenOdd>(row_),
+                      BytesAt<Pairs::kOfColour, kOrder, !kGreenOdd>(row_),
+                      WordsAt<0, kOrder>(green_columns_),
+                      WordsAt<0, kOrder>(other_columns_),
+                      WordsAt<Pairs::kOfGreen, kOrder>(other_columns_)};
+    pairs.Interpolate(row_colour, green, other_colour);
   }
 
  private:
-  static constexpr bool kGreenOdd = !kStartsGreen;
+  using Pairs = SitePairs<kStartsGreen>;
+  static constexpr bool kGreenOdd = Pairs::kGreenOdd;
 
   HWY_INLINE void Load() {
     const auto next = [](const uint8_t*& line) PRISMO_INLINE {
@@ -329,20 +387,6 @@ class InARow<Bytes, kStartsGreen, kOrder> {
     row_.Next(next(mid_));
     other_columns_.Next(hn::Add(BytesOfWords<kGreenOdd>(above), BytesOfWords<kGreenOdd>(below)));
     green_columns_.Next(hn::Add(BytesOfWords<!kGreenOdd>(above), BytesOfWords<!kGreenOdd>(below)));
-  }
-
-  // Averages in the byte of a word that they are for.
-  static HWY_INLINE V16 AverageAtGreen(V16 sum_of_2) {
-    if constexpr (kGreenOdd) return hn::ShiftLeft<7>(sum_of_2);
-    return hn::ShiftRight<1>(sum_of_2);
-  }
-  static HWY_INLINE V16 AverageOf4(V16 sum) {
-    if constexpr (kGreenOdd) return hn::ShiftRight<2>(sum);
-    return hn::ShiftLeft<6>(sum);
-  }
-  static HWY_INLINE V8 AtSites(V16 green, V16 others) {
-    const D8 d;
-    return AtGreenSites(d, kStartsGreen, hn::BitCast(d, green), hn::BitCast(d, others));
   }
 
   const uint8_t *up_, *mid_, *down_;
@@ -482,8 +526,16 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
 #endif
     CoverRow<kStores>(
         lines, row, inner_columns, sink,
-        [arithmetic](const T* const(&at)[3], bool starts_green, V8& row_colour, V8& green, V8& other_colour)
-            PRISMO_INLINE { Block(arithmetic, at, starts_green, nullptr, row_colour, green, other_colour); },
+        [arithmetic](const T* const(&at)[3], auto starts_green, V8& row_colour, V8& green, V8& other_colour)
+            PRISMO_INLINE {
+#if HWY_TARGET != HWY_SCALAR
+              if constexpr (std::is_same_v<A, Bytes>) {
+                const auto pairs = LoadSitePairs<decltype(starts_green)::value>(at);
+                return pairs.Interpolate(row_colour, green, other_colour);
+              }
+#endif
+              Block(arithmetic, at, starts_green, nullptr, row_colour, green, other_colour);
+            },
         border);
   };
   cover();
