@@ -85,10 +85,10 @@ void Force(std::atomic<uint8_t>& setting, std::optional<bool> value) {
 // Beyond its share of the cache a streaming store beats a plain one, which first reads what it overwrites. A
 // cache of a whole server socket is shared with strangers and its far slices are no faster than memory: an
 // eighth of it is all that most conversions can count on (measured on a 105 MB cache, where streaming stores
-// win from about 12 MB on). Of caches of up to 48 MB it is four fifths (measured on 32 MB: from 25 to 30 MB
-// on, as the neighbours are loud or quiet), and half where streaming stores have time (adaptive 0.6 to
-// 0.8 of the time at 20 MB, with AVX2 bilinear 0.93 at 25 MB; with kAvx512Vbmi bilinear and YUV 1.2 to 1.35
-// at 20 MB, at 25 MB 0.92 to 1.3).
+// win from about 12 MB on). Of caches of up to 48 MB it is nearly all (measured on 32 MB: at 27 to 30 MB
+// plain stores take 0.6 to 1.0 of the time, at 35 MB 0.8 to 1.2, as the neighbours are loud or quiet), and
+// half where streaming stores have time (adaptive 0.6 to 0.8 of the time at 20 MB, with AVX2 bilinear 0.93 at
+// 25 MB).
 struct CacheForConversions {
   size_t bytes = platform::LastLevelCacheBytes();
   bool socket_wide = bytes > size_t{48} << 20;
@@ -97,7 +97,7 @@ struct CacheForConversions {
     if (socket_wide) return bytes / 8 * reach;
     const bool quick =
         time == TimeGoesTo::kMemory || (time == TimeGoesTo::kBoth && CurrentTarget() == Target::kAvx512Vbmi);
-    return quick ? bytes / 5 * 4 : bytes / 2;
+    return quick ? bytes / 16 * 15 : bytes / 2;
   }
 };
 
