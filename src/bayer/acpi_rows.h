@@ -7,8 +7,9 @@
 
 namespace prismo {
 
-// Rows are converted in strips of up to this many columns, so that those under way fit the first-level cache.
-inline constexpr uint32_t kStripColumns = 2176;
+// Rows are converted in strips of up to this many columns, so that those under way, 34 KB, fit a first-level
+// cache of 48 KB.
+inline constexpr uint32_t kStripColumns = 2560;
 inline constexpr uint32_t kBlockColumns = 64;  // of the widest vectors
 
 constexpr uint32_t UpToBlock(uint32_t column) {

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "bayer/acpi_rows.h"
 #include "kernel/bayer_checks.h"
 
 namespace prismo::test {
@@ -80,14 +81,15 @@ TEST_F(Adaptive, TallFramesOfEveryPatternEqualTheReference) {
   }
 }
 
-// Wide rows are converted in strips of up to 2176 columns, which meet where a row's stores are aligned.
+// Wide rows are converted in strips, which meet where a row's stores are aligned.
 TEST_F(Adaptive, WideFramesEqualTheReference) {
   PRISMO_TRACE_SEED();
   ASSERT_TRUE(StartPool(2));
   uint32_t i = 0;
   for (const BayerRoutine& routine : AdaptiveRoutines()) {
     for (const Output output : OutputsOf(routine.bgra)) {
-      for (const uint32_t width : {2176u, 2178u, 4098u, 4350u, 4352u, 6530u}) {
+      for (const uint32_t width : {kStripColumns, kStripColumns + 2, 4098u, 2 * kStripColumns - 2,
+                                   2 * kStripColumns, 3 * kStripColumns + 2}) {
         CheckCaller(routine, {width, 8, kPatterns[i++ % std::size(kPatterns)]}, output);
         if (HasFailure()) return;
       }
@@ -106,7 +108,8 @@ TEST_F(Adaptive, WideTallFramesEqualTheReference) {
       const auto routine = std::find_if(routines.begin(), routines.end(),
                                         [&](const BayerRoutine& r) { return r.bgra == bgra; });
       ASSERT_NE(routine, routines.end());
-      CheckCaller(*routine, {2180, 520, kPatterns[i++ % std::size(kPatterns)]}, OutputsOf(bgra).back());
+      CheckCaller(*routine, {kStripColumns + 4, 520, kPatterns[i++ % std::size(kPatterns)]},
+                  OutputsOf(bgra).back());
       if (HasFailure()) return;
     }
   }

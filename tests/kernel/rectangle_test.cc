@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "bayer/acpi_rows.h"
 #include "support/conversion_check.h"
 #include "support/generators.h"
 #include "support/pool.h"
@@ -72,7 +73,7 @@ TEST_F(RectangleTest, WideOnesEqualTheReference) {
   uint32_t left = 2;
   for (const RectangleRoutine& routine : RectangleRoutines()) {
     for (const Output output : OutputsOf(routine.bgra)) {
-      const uint32_t width = 2178 + 2 * (left % 37);
+      const uint32_t width = kStripColumns + 2 + 2 * (left % 37);
       CheckOnTargets(routine, {width + left + left % 2 + 2, 16, {left, 3, width, 8, width + 1, 9, 1, 1}},
                      output);
       if (HasFailure()) return;
