@@ -32,8 +32,9 @@ struct BilinearJob {
 BilinearJob MakeBilinearJob(const BilinearForm& form, void* dst, const void* src, FrameSize size,
                             uint32_t shift, simd::TimeGoesTo time);
 
-// What takes the pool's time; before there is a pool, that of one thread.
-simd::TimeGoesTo TimeOnPool();
+// What takes the time of the caller's thread, and of the pool: before there is one, that of one thread.
+simd::TimeGoesTo TimeOnCaller(BayerDepth depth);
+simd::TimeGoesTo TimeOnPool(BayerDepth depth);
 
 // GR and RG frames run on the pool as BG and GB ones whose row pairs are swapped: the flag that works carry.
 constexpr bool RowPairsSwapped(Phase phase) { return phase == Phase::kGR || phase == Phase::kRG; }

@@ -222,6 +222,13 @@ void StoreAtEdge(const T* const (&lines)[3], size_t x, size_t inside, const RowR
   }
 }
 
+// One block inside the frame.
+template <class A>
+HWY_INLINE void InnerBlock(const A& arithmetic, const typename A::T* const (&lines)[3], bool starts_green,
+                           V8& row_colour, V8& green, V8& other_colour) {
+  Block(arithmetic, lines, starts_green, nullptr, row_colour, green, other_colour);
+}
+
 #if HWY_TARGET != HWY_SCALAR
 template <bool kOdd>
 HWY_INLINE V16 BytesOfWords(V16 v) {
@@ -286,6 +293,12 @@ HWY_INLINE SitePairs<kStartsGreen> LoadSitePairs(const uint8_t* const (&lines)[3
           hn::Add(BytesOfWords<!kGreenOdd>(above), BytesOfWords<!kGreenOdd>(below)),
           hn::Add(BytesOfWords<kGreenOdd>(above), BytesOfWords<kGreenOdd>(below)),
           hn::Add(low_bytes(0, kGreenBeside), low_bytes(2, kGreenBeside))};
+}
+
+template <bool kStartsGreen>
+HWY_INLINE void InnerBlock(const Bytes&, const uint8_t* const (&lines)[3], std::bool_constant<kStartsGreen>,
+                           V8& row_colour, V8& green, V8& other_colour) {
+  LoadSitePairs<kStartsGreen>(lines).Interpolate(row_colour, green, other_colour);
 }
 #endif
 
@@ -458,6 +471,21 @@ class InARow<Words, kStartsGreen, kOrder> {
   ThreeVectors row_, columns_;
 };
 
+// Blocks from column x on whose lines are fetched ahead for plain stores.
+template <class Blocks, class Sink, StoreKind kStores>
+struct PreparedBlocks {
+  Blocks blocks;
+  Sink sink;
+  size_t x;
+
+  HWY_INLINE void operator()(size_t block, V8& row_colour, V8& green, V8& other_colour) {
+    // 0.93 of the time; with three bytes a pixel nothing is gained.
+    if constexpr (kStores == StoreKind::kCached && Sink::kPixelBytes == 4)
+      sink.PrepareBlock(x + block * kLanes);
+    blocks.Compute(row_colour, green, other_colour);
+  }
+};
+
 #else
 #define PRISMO_BLOCKS_IN_A_ROW 0
 #endif
@@ -510,15 +538,8 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
             row, inner_columns, sink,
             [&](size_t x, size_t, auto starts_green) PRISMO_INLINE {
               using Blocks = InARow<A, decltype(starts_green)::value, kOrder>;
-              return [x, inner_sink = sink,
-                      blocks = Blocks(arithmetic, lines[0] + x, lines[1] + x, lines[2] + x)](
-                         size_t block, V8& row_colour, V8& green, V8& other_colour) mutable PRISMO_INLINE {
-                // 0.93 of the time; with three bytes a pixel nothing is gained.
-                if constexpr (kStores == StoreKind::kCached && Sink::kPixelBytes == 4) {
-                  inner_sink.PrepareBlock(x + block * kLanes);
-                }
-                blocks.Compute(row_colour, green, other_colour);
-              };
+              return PreparedBlocks<Blocks, Sink, kStores>{
+                  Blocks(arithmetic, lines[0] + x, lines[1] + x, lines[2] + x), sink, x};
             },
             WindowedBorder<T, 3, decltype(border)>{lines, row, border});
       }
@@ -527,15 +548,7 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
     CoverRow<kStores>(
         lines, row, inner_columns, sink,
         [arithmetic](const T* const(&at)[3], auto starts_green, V8& row_colour, V8& green, V8& other_colour)
-            PRISMO_INLINE {
-#if HWY_TARGET != HWY_SCALAR
-              if constexpr (std::is_same_v<A, Bytes>) {
-                const auto pairs = LoadSitePairs<decltype(starts_green)::value>(at);
-                return pairs.Interpolate(row_colour, green, other_colour);
-              }
-#endif
-              Block(arithmetic, at, starts_green, nullptr, row_colour, green, other_colour);
-            },
+            PRISMO_INLINE { InnerBlock(arithmetic, at, starts_green, row_colour, green, other_colour); },
         border);
   };
   cover();

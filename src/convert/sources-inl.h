@@ -15,6 +15,7 @@
 #include "simd/sinks-inl.h"
 
 // Targets that permute bytes across a whole vector: conversions that only move bytes do it directly there.
+// They also add products of words (VNNI), for YUV.
 #undef PRISMO_BYTE_PERMUTES
 #define PRISMO_BYTE_PERMUTES (HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL)
 
@@ -84,6 +85,15 @@ HWY_INLINE void LoadThreeChannels(const uint8_t* src, V8& c0, V8& c1, V8& c2) {
   hn::LoadInterleaved3(D8(), src, c0, c1, c2);
 #endif
 }
+
+#if PRISMO_BYTE_PERMUTES
+// Three bytes a pixel: vectors that overlap, so that each holds a quarter of the block's pixels whole.
+struct TripleQuarters {
+  static constexpr size_t kStart[4] = {0, 48, 96, 128};
+  // Where its quarter has a byte of a pixel.
+  static constexpr size_t Byte(size_t pixel, size_t byte) { return 3 * pixel + byte - kStart[pixel / 16]; }
+};
+#endif
 
 template <prismo::Source kSource>
 struct ByteSource {
@@ -165,14 +175,12 @@ struct ThreeByteSource : ByteSource<kSource> {
   }
 
 #if PRISMO_BYTE_PERMUTES
-  // Vectors that overlap, so that each holds a quarter of the block's pixels whole.
   static constexpr size_t kVectors = 4;
-  static constexpr size_t kStart[kVectors] = {0, 48, 96, 128};
   static constexpr BytePlace Place(size_t pixel, size_t channel) {
-    return {pixel / 16, 3 * pixel + (channel == 0 ? kBlue : channel == 1 ? 1 : kRed) - kStart[pixel / 16]};
+    return {pixel / 16, TripleQuarters::Byte(pixel, channel == 0 ? kBlue : channel == 1 ? 1 : kRed)};
   }
   HWY_INLINE void LoadVectors(const uint8_t* src, V8 (&v)[kVectors]) const {
-    for (size_t i = 0; i < kVectors; ++i) v[i] = hn::LoadU(D8(), src + kStart[i]);
+    for (size_t i = 0; i < kVectors; ++i) v[i] = hn::LoadU(D8(), src + TripleQuarters::kStart[i]);
   }
 #endif
 };

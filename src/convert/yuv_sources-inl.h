@@ -100,7 +100,7 @@ HWY_INLINE PairOffsets OffsetsOfPairs(VI16 uv) {
   constexpr __mmask64 kBytesOfV = 0x4444444444444444;
   const DI16 d16;
   const DI32 d32;
-  const auto start = [&](const ChromaRule& rule) HWY_ATTR {
+  const auto start = [&](const ChromaRule& rule) PRISMO_INLINE {
     return hn::Set(d32, rule.offset * 65536 - rule.origin * rule.coefficient);
   };
   const VI16 four = hn::ShiftLeft<2>(uv);
@@ -126,8 +126,8 @@ HWY_INLINE VI16 ChromaOffset(VI16 chroma, const ChromaRule& rule) {
 
 // What is subtracted from luma for green: round(0.344 (U - 128) + 0.714 (V - 128)), where the products and
 // their sum are rounded to single precision, which decides the 130 pairs that are halfway between integers:
-// no fixed-point form gives the same. Adding the half of the rounding to one product first, fused or not,
-// does. The arguments are U - 128 and V - 128 in the high halves of their lanes.
+// no sum of products alone gives the same. Adding the half of the rounding to one product first, fused or
+// not, does. The arguments are U - 128 and V - 128 in the high halves of their lanes.
 HWY_INLINE VI32 GreenOffsetOf(VI32 u_high, VI32 v_high) {
   const hn::RebindToFloat<D32> df;
   constexpr float kUnit = 1.0F / 65536;
@@ -152,7 +152,6 @@ HWY_INLINE PairOffsets OffsetsOfPairs(VI16 uv) {
   const VI32 green = GreenOffsetOf(hn::ShiftLeft<16>(centred), hn::And(centred, hn::Set(d32, -0x10000)));
   return {blue_red, hn::BitCast(d16, green), blue_red};
 }
-#endif
 
 // Bytes as words; the halves of each 128-bit block go to one vector each, as ClampToBytes takes them.
 HWY_INLINE VI16 WordsOfLowerHalves(V8 v) {
@@ -161,6 +160,7 @@ HWY_INLINE VI16 WordsOfLowerHalves(V8 v) {
 HWY_INLINE VI16 WordsOfUpperHalves(V8 v) {
   return hn::BitCast(DI16(), hn::InterleaveUpper(D8(), v, hn::Zero(D8())));
 }
+#endif
 
 // Word j of each 128-bit block becomes the block's word kFirst + 2 (j / kRepeat).
 template <size_t kFirst, size_t kRepeat>
@@ -339,24 +339,19 @@ struct Yuv444Source {
 #if PRISMO_BYTE_PERMUTES
   HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
     V8 v[4];
-    for (size_t i = 0; i < 4; ++i) v[i] = LoadedOnce(hn::LoadU(D8(), src + kQuarterStart[i]));
+    for (size_t i = 0; i < 4; ++i) v[i] = LoadedOnce(hn::LoadU(D8(), src + TripleQuarters::kStart[i]));
     Clamp(Channels<0>(v[0], v[1]), Channels<1>(v[2], v[3]), b, g, r);
   }
 
  private:
-  // Vectors that overlap hold a quarter of the block's pixels each.
-  static constexpr size_t kQuarterStart[4] = {0, 48, 96, 128};
-  static constexpr size_t Place(size_t pixel, size_t byte) {
-    return 3 * pixel + byte - kQuarterStart[pixel / 16];
-  }
   template <size_t kHalf>
   static constexpr size_t LumaPlace(size_t word) {
     const size_t pixel = PixelOf<kHalf>(word);
-    return pixel / 16 % 2 * 64 + Place(pixel, 1);
+    return pixel / 16 % 2 * 64 + TripleQuarters::Byte(pixel, 1);
   }
   template <size_t kQuarter>
   static constexpr size_t ChromaPlace(size_t word) {
-    return Place(16 * kQuarter + word / 2, word % 2 * 2);
+    return TripleQuarters::Byte(16 * kQuarter + word / 2, word % 2 * 2);
   }
 
   template <size_t kHalf>
