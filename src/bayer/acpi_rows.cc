@@ -337,7 +337,7 @@ void ColourInStep(const ColourLines& lines, const GreenLines& below_lines, const
                   const BayerRow& row, const PackedSink<kBytes, kSiteOrder>& sink) {
   // The sites of the last inner block's greens are inner ones, too.
   const ColumnRange inner{lines.adaptive.begin, lines.adaptive.end - 2};
-  CoverColumns<StoreKind::kStreaming>(
+  CoverColumns<StoreKind::kStreaming, false, kSiteOrder>(
       row, inner, sink,
       [&](size_t x, size_t blocks, auto starts_green) PRISMO_INLINE {
         constexpr bool kStartsGreen = decltype(starts_green)::value;
@@ -371,7 +371,7 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
   const ColourRows rows = LoadedRows(lines, below_lines);
 #if PRISMO_MANY_REGISTERS
   if (kStores == StoreKind::kCached && row.columns.begin % 2 == 0 && simd::CrossingLoadsAreSlow()) {
-    return CoverColumns<kStores>(
+    return CoverColumns<kStores, false, kSiteOrder>(
         row, lines.adaptive, sink,
         [=](size_t first, size_t, auto starts_green) PRISMO_INLINE {
           ColourRows from_first = rows;
@@ -382,7 +382,7 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
         BorderBlocks{lines, below_lines, row});
   }
 #endif
-  CoverColumns<kStores>(
+  CoverColumns<kStores, false, kSiteOrder>(
       row, lines.adaptive, sink,
       [=, green_first = row.role.green_first](size_t first, size_t, auto starts_green) PRISMO_INLINE {
         return [=](size_t block, V8& row_colour, V8& green, V8& other_colour) PRISMO_INLINE {

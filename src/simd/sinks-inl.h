@@ -186,7 +186,7 @@ struct PackedSink {
 
   // The same picture, for blocks in another order.
   template <Order kOther>
-  HWY_INLINE PackedSink<kBytes, kOther == Order::kPixels ? kOrder : kOther> Taking() const {
+  HWY_INLINE PackedSink<kBytes, kOther> Taking() const {
     return {dst, first};
   }
 

@@ -9,7 +9,8 @@
 
 namespace prismo::simd {
 
-// From the least to the most capable; kAvx512Vbmi adds byte permutes to kAvx512.
+// From the least to the most capable; kAvx512Vbmi adds byte permutes and sums of
+// products (VNNI) to kAvx512.
 enum class Target : uint8_t { kPortable, kSse4, kAvx2, kAvx512, kAvx512Vbmi, kNeon };
 inline constexpr size_t kTargetCount = 6;
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "PrismoUtl.h"
+#include "bayer/bilinear_job.h"
 #include "engine/fresh_pool.h"
 #include "mp/engine.h"
 #include "support/pool.h"
@@ -58,6 +59,18 @@ TEST_F(ExecRowsTest, AskingForSeveralThreadsMakesNoPool) {
   for (const int32_t threads : test::ThreadCounts()) {
     ASSERT_TRUE(test::StartPool(threads));
     EXPECT_EQ(HasSeveralThreads(), threads > 1);
+  }
+}
+
+TEST_F(ExecRowsTest, WhatTakesTheTimeOfABilinearDemosaic) {
+  using enum simd::TimeGoesTo;
+  EXPECT_EQ(TimeOnPool(BayerDepth::k8), kBoth);
+  EXPECT_EQ(TimeOnPool(BayerDepth::kN), kArithmetic);
+  for (const int32_t threads : test::ThreadCounts()) {
+    ASSERT_TRUE(test::StartPool(threads));
+    for (const BayerDepth depth : {BayerDepth::k8, BayerDepth::kN}) {
+      EXPECT_EQ(TimeOnPool(depth), threads > 1 ? kMemory : TimeOnCaller(depth));
+    }
   }
 }
 
