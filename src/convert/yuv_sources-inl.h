@@ -8,6 +8,7 @@
 
 #include "convert/sources-inl.h"
 #include "convert/tables.h"
+#include "simd/products-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
@@ -57,10 +58,6 @@ struct ChromaRule {
 inline constexpr ChromaRule kBlueRule{4 * 253, 29032, 222};
 inline constexpr ChromaRule kRedRule{4 * 179, 22971, 72};
 
-HWY_INLINE VI16 EachPair(int16_t u, int16_t v) {
-  return hn::BitCast(DI16(), hn::Set(DI32(), v * 65536 + static_cast<uint16_t>(u)));
-}
-
 // The offsets of pairs of chroma, in 32 bits a pair: each in one word of them.
 struct PairOffsets {
   VI16 blue, green, red;
@@ -88,12 +85,6 @@ struct GreenRule {
   }
 };
 
-// This target's processors have the instruction (VNNI); the compiler is not told so by Highway.
-HWY_INLINE VI32 AddProducts(VI32 sum, VI16 pairs, int16_t u, int16_t v) {
-  asm("vpdpwssd %2, %1, %0" : "+v"(sum.raw) : "v"(pairs.raw), "v"(EachPair(u, v).raw));
-  return sum;
-}
-
 // Words U0 V0 U1 V1 ... A byte table looks up what green's pairs need beyond a sum of products.
 HWY_INLINE PairOffsets OffsetsOfPairs(VI16 uv) {
   static constexpr GreenRule kGreenRule;
@@ -106,13 +97,16 @@ HWY_INLINE PairOffsets OffsetsOfPairs(VI16 uv) {
   const VI16 four = hn::ShiftLeft<2>(uv);
   const VI16 addend{_mm512_mask2_permutex2var_epi8(_mm512_load_si512(kGreenRule.addend), uv.raw, kBytesOfV,
                                                    _mm512_load_si512(kGreenRule.addend + kLanes))};
-  const VI32 green = AddProducts(hn::Set(d32, GreenRule::kStart), four, GreenRule::kFourU, GreenRule::kFourV);
-  return {hn::BitCast(d16, AddProducts(start(kBlueRule), four, kBlueRule.coefficient, 0)),
-          hn::BitCast(d16, AddProducts(green, addend, GreenRule::kU, 1)),
-          hn::BitCast(d16, AddProducts(start(kRedRule), four, 0, kRedRule.coefficient))};
+  const VI32 green =
+      AddWeighedPairs(hn::Set(d32, GreenRule::kStart), four, GreenRule::kFourU, GreenRule::kFourV);
+  return {hn::BitCast(d16, AddWeighedPairs(start(kBlueRule), four, kBlueRule.coefficient, 0)),
+          hn::BitCast(d16, AddWeighedPairs(green, addend, GreenRule::kU, 1)),
+          hn::BitCast(d16, AddWeighedPairs(start(kRedRule), four, 0, kRedRule.coefficient))};
 }
 #else
 inline constexpr size_t kBlueWord = 0, kGreenWord = 0, kRedWord = 1;
+
+HWY_INLINE VI16 EachPair(int16_t u, int16_t v) { return hn::BitCast(DI16(), PairWeights(u, v)); }
 
 HWY_INLINE VI16 ApplyChromaRule(VI16 chroma, VI16 origin, VI16 coefficient, VI16 offset) {
   return hn::Add(hn::MulHigh(hn::Sub(hn::ShiftLeft<2>(chroma), origin), coefficient), offset);

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "simd/products-inl.h"
 #include "simd/sinks-inl.h"
 #include "synth/luma_chroma.h"
 
@@ -63,31 +64,6 @@ HWY_INLINE void Channels(const Samples& samples, VI32& b, VI32& g, VI32& r) {
   b = hn::And(hn::BitCast(d32, samples.blue_red), hn::Set(d32, 0xFFFF));
   g = hn::And(hn::BitCast(d32, samples.green), hn::Set(d32, 0xFFFF));
   r = hn::ShiftRight<16>(hn::BitCast(d32, samples.blue_red));
-}
-
-#if HWY_ARCH_X86
-HWY_INLINE VI32 PairWeights(int low, int high) { return hn::Set(DI32(), (low & 0xFFFF) | high * 0x10000); }
-#endif
-
-// Adds the sums of the products of neighbouring words.
-HWY_INLINE VI32 AddWeighedPairs(VI32 sum, VI16 v, int low, int high) {
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL
-  // The target has the instruction, GCC is not told so.
-  asm("vpdpwssd %2, %1, %0" : "+v"(sum.raw) : "v"(v.raw), "v"(PairWeights(low, high).raw));
-  return sum;
-#elif HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
-  return hn::Add(sum, VI32{_mm512_madd_epi16(v.raw, PairWeights(low, high).raw)});
-#elif HWY_TARGET == HWY_AVX2
-  return hn::Add(sum, VI32{_mm256_madd_epi16(v.raw, PairWeights(low, high).raw)});
-#elif HWY_ARCH_X86
-  return hn::Add(sum, VI32{_mm_madd_epi16(v.raw, PairWeights(low, high).raw)});
-#else
-  const DI32 d32;
-  const VI32 lanes = hn::BitCast(d32, v);
-  const VI32 low_words = hn::ShiftRight<16>(hn::ShiftLeft<16>(lanes)), high_words = hn::ShiftRight<16>(lanes);
-  sum = hn::Add(sum, hn::Mul(low_words, hn::Set(d32, low)));
-  return high == 0 ? sum : hn::Add(sum, hn::Mul(high_words, hn::Set(d32, high)));
-#endif
 }
 
 struct Weights {
