@@ -75,8 +75,7 @@ struct Weights {
 
 // Where weights add up to zero, what blue and red have more than green is enough.
 template <Weights kWeights>
-HWY_INLINE VI32 Weigh(const Samples& samples) {
-  const VI32 start = hn::Set(DI32(), kWeights.start);
+HWY_INLINE VI32 Weigh(const Samples& samples, VI32 start = hn::Set(DI32(), kWeights.start)) {
   if constexpr (kWeights.b + kWeights.g + kWeights.r == 0) {
     return AddWeighedPairs(start, hn::Sub(samples.blue_red, samples.green), kWeights.b, kWeights.r);
   } else {
@@ -123,15 +122,17 @@ struct Division {
   static_assert(kLeast * kDivisor < kOne);
 };
 
-// Quotients of up to 255, as bytes above kFractionBits bits.
+// Quotients of up to 255 of sums less some, as bytes above kFractionBits bits.
 template <int kDivisor, Weights kWeights>
-HWY_INLINE VI32 Divide(const Samples& samples) {
+HWY_INLINE VI32 Divide(const Samples& samples, VI32 less = hn::Zero(DI32())) {
   using Rule = Division<kDivisor>;
   const DF32 df;
 #if HWY_NATIVE_FMA
-  const auto dividend = hn::BitCast(df, Weigh<kWeights.StartingLater(0x4B000000)>(samples));
+  constexpr Weights kAsFloat = kWeights.StartingLater(0x4B000000);
+  const VI32 sum = Weigh<kAsFloat>(samples, hn::Sub(hn::Set(DI32(), kAsFloat.start), less));
+  const auto dividend = hn::BitCast(df, sum);
 #else
-  const auto dividend = hn::ConvertTo(df, Weigh<kWeights>(samples));
+  const auto dividend = hn::ConvertTo(df, hn::Sub(Weigh<kWeights>(samples), less));
 #endif
   return hn::BitCast(DI32(), hn::MulAdd(dividend, hn::Set(df, -Rule::kFactor), hn::Set(df, -Rule::kStart)));
 }
@@ -340,6 +341,27 @@ inline constexpr auto kLowerUBelow = [] {
   return below;
 }();
 
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+// 1 where U of a pixel lies lower if it is whole: less that, sums have the quotients that doubles give, as
+// other sums are not affected.
+HWY_INLINE VI32 LowerU(const Samples& pixels) {
+  const D8 d8;
+  constexpr int kFirst = 192;
+  alignas(64) static constexpr auto kLower = [] {
+    struct {
+      uint8_t by_green[64];
+    } lower{};
+    for (int i = 0; i < 64; ++i) lower.by_green[i] = kLowerUBelow.blue[kFirst + i] != 0;
+    return lower;
+  }();
+  const V8 green = hn::BitCast(d8, pixels.green), blue = hn::BitCast(d8, pixels.blue_red);
+  const V8 offset = hn::BitCast(d8, hn::Set(D32(), 0xFFFFFF00 + kFirst));
+  const __m512i lower =
+      _mm512_permutexvar_epi8(hn::SaturatedSub(green, offset).raw, _mm512_load_si512(kLower.by_green));
+  return hn::BitCast(DI32(), hn::SaturatedSub(V8{lower}, hn::SaturatedSub(blue, green)));
+}
+#endif
+
 template <int kPixels>
 HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
   const DI32 d32;
@@ -358,6 +380,13 @@ HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
 // U, as quotients, of sums of kPixels pixels. As Luma; those of several pixels are hardly ever whole.
 template <int kPixels, Look kLook, size_t kVectors, class PixelOf>
 HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], const PixelOf& pixel_of) {
+#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+  if constexpr (kPixels == 1) {
+#pragma GCC unroll 4
+    for (size_t i = 0; i < kVectors; ++i) u[i] = Divide<1000, kUWeights<1>>(sums[i], LowerU(sums[i]));
+    return 0;
+  }
+#endif
   MI32 whole[kVectors], any_whole;
 #pragma GCC unroll 4
   for (size_t i = 0; i < kVectors; ++i) {
