@@ -10,6 +10,7 @@
 #define PRISMO_SYNTH_LUMA_CHROMA_INL_H_
 #endif
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -285,10 +286,10 @@ HWY_INLINE VI32 CloserLuma(VI32 luma, const Samples& pixels) {
   return hn::Sub(luma, hn::IfThenElseZero(lower, AsQuotient(hn::Set(d32, 1))));
 }
 
-// Lumas of vectors of pixels, as quotients. pixel_of(i) is where the pixel of lane i starts in memory. A
-// doubt if a quick look may have left one of them too high. Unrolled, or the arrays would live in memory.
-template <Look kLook, size_t kVectors, class PixelOf>
-HWY_INLINE Doubt Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors], const PixelOf& pixel_of) {
+// Lumas of vectors of pixels, as quotients. Returns the bits of lanes whose quotient has no remainder.
+// Unrolled, or the arrays would live in memory.
+template <Look kLook, size_t kVectors>
+HWY_INLINE uint64_t Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors]) {
   MI32 whole[kVectors];
 #pragma GCC unroll 4
   for (size_t i = 0; i < kVectors; ++i) {
@@ -296,11 +297,17 @@ HWY_INLINE Doubt Luma(const Samples (&pixels)[kVectors], VI32 (&luma)[kVectors],
     if constexpr (kLook == Look::kClose) luma[i] = CloserLuma(luma[i], pixels[i]);
     whole[i] = IsWhole<1000>(luma[i]);
   }
-  const uint64_t bits = BitsOf(whole);
+  return BitsOf(whole);
+}
+
+// A doubt if a quick look may have left one of these lumas too high. pixel_of(i) is where the pixel of lane i
+// starts in memory, or, where there is no such lane, any.
+template <class PixelOf>
+HWY_INLINE Doubt DoubtOfLuma(uint64_t whole, const PixelOf& pixel_of) {
   uint16_t blue_green;
-  std::memcpy(&blue_green, pixel_of(static_cast<size_t>(std::countr_zero(bits)) % (kVectors * kLanes32)), 2);
+  std::memcpy(&blue_green, pixel_of(static_cast<size_t>(std::countr_zero(whole))), 2);
   const uint64_t lower = kLowerLumas.Contain(blue_green);
-  return (lower & uint64_t{bits != 0}) | SeveralIn(bits);
+  return (whole & (0 - lower)) | SeveralIn(whole);
 }
 
 // Luma of 16 bits, of which fewer can be taken.
@@ -341,21 +348,25 @@ inline constexpr auto kLowerUBelow = [] {
   return below;
 }();
 
+// None of these greens is below.
+inline constexpr int kLowerUGreen = 192;
+static_assert(std::all_of(kLowerUBelow.blue, kLowerUBelow.blue + kLowerUGreen,
+                          [](int blue) { return blue == 0; }));
+
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
 // 1 where U of a pixel lies lower if it is whole: less that, sums have the quotients that doubles give, as
 // other sums are not affected.
 HWY_INLINE VI32 LowerU(const Samples& pixels) {
   const D8 d8;
-  constexpr int kFirst = 192;
   alignas(64) static constexpr auto kLower = [] {
     struct {
       uint8_t by_green[64];
     } lower{};
-    for (int i = 0; i < 64; ++i) lower.by_green[i] = kLowerUBelow.blue[kFirst + i] != 0;
+    for (int i = 0; i < 64; ++i) lower.by_green[i] = kLowerUBelow.blue[kLowerUGreen + i] != 0;
     return lower;
   }();
   const V8 green = hn::BitCast(d8, pixels.green), blue = hn::BitCast(d8, pixels.blue_red);
-  const V8 offset = hn::BitCast(d8, hn::Set(D32(), 0xFFFFFF00 + kFirst));
+  const V8 offset = hn::BitCast(d8, hn::Set(D32(), 0xFFFFFF00 + kLowerUGreen));
   const __m512i lower =
       _mm512_permutexvar_epi8(hn::SaturatedSub(green, offset).raw, _mm512_load_si512(kLower.by_green));
   return hn::BitCast(DI32(), hn::SaturatedSub(V8{lower}, hn::SaturatedSub(blue, green)));
@@ -377,7 +388,8 @@ HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
   return hn::Sub(u, hn::IfThenElseZero(hn::And(whole, known), AsQuotient(hn::Set(d32, 1))));
 }
 
-// U, as quotients, of sums of kPixels pixels. As Luma; those of several pixels are hardly ever whole.
+// U, as quotients, of sums of kPixels pixels. A doubt if a quick look may have left one too high; those of
+// several pixels are hardly ever whole.
 template <int kPixels, Look kLook, size_t kVectors, class PixelOf>
 HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], const PixelOf& pixel_of) {
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
@@ -393,14 +405,17 @@ HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], c
     u[i] = Divide<1000 * kPixels, kUWeights<kPixels>>(sums[i]);
     if constexpr (kLook == Look::kClose) u[i] = CloserU<kPixels>(u[i], sums[i]);
     whole[i] = IsWhole<1000 * kPixels>(u[i]);
+    if constexpr (kPixels == 1) {
+      const VI32 green = hn::BitCast(DI32(), sums[i].green);
+      whole[i] = hn::And(whole[i], hn::Gt(green, hn::Set(DI32(), (kLowerUGreen << 16) - 1)));
+    }
     any_whole = i == 0 ? whole[0] : hn::Or(any_whole, whole[i]);
   }
   if constexpr (kPixels == 1) {
     const uint64_t bits = BitsOf(whole);
-    const uint8_t* const first =
-        pixel_of(static_cast<size_t>(std::countr_zero(bits)) % (kVectors * kLanes32));
+    const uint8_t* const first = pixel_of(static_cast<size_t>(std::countr_zero(bits)));
     const uint64_t lower = first[0] < kLowerUBelow.blue[first[1]];
-    return (lower & uint64_t{bits != 0}) | SeveralIn(bits);
+    return (bits & (0 - lower)) | SeveralIn(bits);
   } else {
     return !hn::AllFalse(DI32(), any_whole);
   }
