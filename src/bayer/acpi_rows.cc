@@ -301,7 +301,6 @@ class BlocksInStep {
       : below_(below), greens_{above, here}, around_(Words()) {}
 
   HWY_INLINE void operator()(size_t, V8& row_colour, V8& green, V8& other_colour) {
-    below_.Make();
     const ColourWords at = Words();
     Surroundings around;
     if constexpr (kCarried) {
@@ -313,7 +312,7 @@ class BlocksInStep {
     }
     ColourBlock<false>(at, around, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
                        other_colour);
-    below_.Done();
+    below_.Next();
     for (int16_t*& words : greens_) words = LoadedAlone(words + kSites);
   }
 
