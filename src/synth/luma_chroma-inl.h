@@ -153,6 +153,7 @@ HWY_INLINE MI32 IsWhole(VI32 quotient) {
 template <size_t kVectors>
 HWY_INLINE uint64_t BitsOf(const MI32 (&masks)[kVectors]) {
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  if constexpr (kVectors == 2) return _mm512_kunpackw(masks[1].raw, masks[0].raw);
   if constexpr (kVectors == 4) {
     return _mm512_kunpackd(_mm512_kunpackw(masks[3].raw, masks[2].raw),
                            _mm512_kunpackw(masks[1].raw, masks[0].raw));
@@ -399,7 +400,7 @@ HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], c
     return 0;
   }
 #endif
-  MI32 whole[kVectors], any_whole;
+  MI32 whole[kVectors];
 #pragma GCC unroll 4
   for (size_t i = 0; i < kVectors; ++i) {
     u[i] = Divide<1000 * kPixels, kUWeights<kPixels>>(sums[i]);
@@ -409,7 +410,6 @@ HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], c
       const VI32 green = hn::BitCast(DI32(), sums[i].green);
       whole[i] = hn::And(whole[i], hn::Gt(green, hn::Set(DI32(), (kLowerUGreen << 16) - 1)));
     }
-    any_whole = i == 0 ? whole[0] : hn::Or(any_whole, whole[i]);
   }
   if constexpr (kPixels == 1) {
     const uint64_t bits = BitsOf(whole);
@@ -417,7 +417,7 @@ HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], c
     const uint64_t lower = first[0] < kLowerUBelow.blue[first[1]];
     return (bits & (0 - lower)) | SeveralIn(bits);
   } else {
-    return !hn::AllFalse(DI32(), any_whole);
+    return BitsOf(whole);
   }
 }
 
