@@ -1,8 +1,9 @@
 // Luma and chroma of pixels, as double precision gives them. Compiled once per instruction set.
 //
 // Each is the integer part of a sum of products, in thousandths. Doubles come within 1e-13 of the sum, which
-// can only matter where the exact sum is an integer: there the double may lie just below it. So vectors
-// compute with integers and look closer where the division leaves no remainder.
+// can only matter where the exact sum is an integer: there the double may lie just below it. So vectors that
+// make bytes compute with integers and look closer where the division leaves no remainder. Of longer words
+// too many are integers: they are computed in doubles.
 #if defined(PRISMO_SYNTH_LUMA_CHROMA_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PRISMO_SYNTH_LUMA_CHROMA_INL_H_
 #undef PRISMO_SYNTH_LUMA_CHROMA_INL_H_
@@ -27,6 +28,7 @@ namespace prismo::HWY_NAMESPACE {
 
 using DF32 = hn::RebindToFloat<D32>;
 using DF64 = hn::Repartition<double, D32>;
+using VF64 = hn::Vec<DF64>;
 using MI32 = hn::Mask<DI32>;
 inline constexpr size_t kLanes32 = kLanes / 4;
 
@@ -83,20 +85,6 @@ HWY_INLINE VI32 Weigh(const Samples& samples, VI32 start = hn::Set(DI32(), kWeig
     return AddWeighedPairs(AddWeighedPairs(start, samples.green, kWeights.g, 0), samples.blue_red, kWeights.b,
                            kWeights.r);
   }
-}
-
-// The integer parts of products. Single precision is enough where said.
-HWY_INLINE VI32 TruncatedProduct(VI32 v, float factor) {
-  const auto product = hn::Mul(hn::ConvertTo(DF32(), v), hn::Set(DF32(), factor));
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
-  return VI32{_mm512_cvttps_epi32(product.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return VI32{_mm256_cvttps_epi32(product.raw)};
-#elif HWY_ARCH_X86
-  return VI32{_mm_cvttps_epi32(product.raw)};
-#else
-  return hn::ConvertTo(DI32(), product);
-#endif
 }
 
 // Division in single precision: between 256 and 512 its bits are nine of integer part and kFractionBits of
@@ -206,36 +194,65 @@ HWY_INLINE V32 QuotientBytes(VI32 q0, VI32 q1, VI32 q2, VI32 q3) {
 }
 #endif
 
-// The integer parts of a sum that is evaluated in doubles.
-template <class Sum>
-HWY_INLINE VI32 InDoubles(VI32 b, VI32 g, VI32 r, const Sum& sum) {
-  const DF64 df;
+// Samples of the lower or the upper halves of 128-bit lanes as doubles, for Product. With fused products
+// those of 2^52 and a sample, which are made of bits: what is too much in a product is taken off before it is
+// rounded.
+#if HWY_NATIVE_FMA
+HWY_INLINE VF64 LowerDoubles(VI32 v) {
+  return hn::BitCast(DF64(), hn::InterleaveLower(DI32(), v, hn::Set(DI32(), 0x43300000)));
+}
+HWY_INLINE VF64 UpperDoubles(VI32 v) {
+  return hn::BitCast(DF64(), hn::InterleaveUpper(DI32(), v, hn::Set(DI32(), 0x43300000)));
+}
+HWY_INLINE VF64 Product(VF64 v, double weight) {
+  return hn::MulAdd(v, hn::Set(DF64(), weight), hn::Set(DF64(), weight * -0x1p52));
+}
+#else
+HWY_INLINE VF64 LowerDoubles(VI32 v) { return hn::PromoteTo(DF64(), hn::LowerHalf(v)); }
+HWY_INLINE VF64 UpperDoubles(VI32 v) { return hn::PromoteTo(DF64(), hn::UpperHalf(hn::Half<DI32>(), v)); }
+HWY_INLINE VF64 Product(VF64 v, double weight) { return hn::Mul(v, hn::Set(DF64(), weight)); }
+#endif
+
+// The integer parts of sums of the lower and upper halves of 128-bit lanes.
+HWY_INLINE VI32 IntegerParts(VF64 low, VF64 high) {
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
+  // 2^52 more, rounded down, has it in its low bits.
+  const auto integer_part = [](VF64 v) PRISMO_INLINE {
+    return _mm512_castpd_ps(
+        _mm512_add_round_pd(v.raw, _mm512_set1_pd(0x1p52), _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC));
+  };
+  return VI32{
+      _mm512_castps_si512(_mm512_shuffle_ps(integer_part(low), integer_part(high), _MM_SHUFFLE(2, 0, 2, 0)))};
+#elif HWY_TARGET == HWY_AVX2
+  const __m128i low_words = _mm256_cvttpd_epi32(low.raw), high_words = _mm256_cvttpd_epi32(high.raw);
+  return VI32{
+      _mm256_set_m128i(_mm_unpackhi_epi64(low_words, high_words), _mm_unpacklo_epi64(low_words, high_words))};
+#else
   const hn::Half<DI32> half;
-  const auto low = sum(hn::PromoteTo(df, hn::LowerHalf(half, b)), hn::PromoteTo(df, hn::LowerHalf(half, g)),
-                       hn::PromoteTo(df, hn::LowerHalf(half, r)));
-  const auto high = sum(hn::PromoteTo(df, hn::UpperHalf(half, b)), hn::PromoteTo(df, hn::UpperHalf(half, g)),
-                        hn::PromoteTo(df, hn::UpperHalf(half, r)));
   return hn::Combine(DI32(), hn::DemoteTo(half, high), hn::DemoteTo(half, low));
+#endif
+}
+
+// The integer parts of a sum that is evaluated in doubles, of samples for Product.
+template <class Sum>
+HWY_INLINE VI32 InDoubles(const Samples& samples, const Sum& sum) {
+  VI32 b, g, r;
+  Channels(samples, b, g, r);
+  return IntegerParts(sum(LowerDoubles(b), LowerDoubles(g), LowerDoubles(r)),
+                      sum(UpperDoubles(b), UpperDoubles(g), UpperDoubles(r)));
 }
 
 HWY_INLINE VI32 LumaInDoubles(const Samples& pixels, double scale) {
-  VI32 b, g, r;
-  Channels(pixels, b, g, r);
-  return InDoubles(b, g, r, [&](auto blue, auto green, auto red) PRISMO_INLINE {
-    const DF64 df;
-    const auto blue_green =
-        hn::Add(hn::Mul(hn::Set(df, 0.114 * scale), blue), hn::Mul(hn::Set(df, 0.587 * scale), green));
-    return hn::Add(blue_green, hn::Mul(hn::Set(df, 0.299 * scale), red));
+  return InDoubles(pixels, [scale](VF64 b, VF64 g, VF64 r) PRISMO_INLINE {
+    return hn::Add(hn::Add(Product(b, 0.114 * scale), Product(g, 0.587 * scale)), Product(r, 0.299 * scale));
   });
 }
 
 template <int kPixels>
-HWY_INLINE VI32 ChromaUInDoubles(VI32 b, VI32 g, VI32 r) {
-  return InDoubles(b, g, r, [](auto blue, auto green, auto red) PRISMO_INLINE {
-    const DF64 df;
-    const auto blue_green =
-        hn::Sub(hn::Mul(hn::Set(df, 0.5 / kPixels), blue), hn::Mul(hn::Set(df, 0.331 / kPixels), green));
-    return hn::Add(hn::Sub(blue_green, hn::Mul(hn::Set(df, 0.169 / kPixels), red)), hn::Set(df, 128.0));
+HWY_INLINE VI32 ChromaUInDoubles(const Samples& sums) {
+  return InDoubles(sums, [](VF64 b, VF64 g, VF64 r) PRISMO_INLINE {
+    const VF64 blue_green = hn::Sub(Product(b, 0.5 / kPixels), Product(g, 0.331 / kPixels));
+    return hn::Add(hn::Sub(blue_green, Product(r, 0.169 / kPixels)), hn::Set(DF64(), 128.0));
   });
 }
 
@@ -311,19 +328,6 @@ HWY_INLINE Doubt DoubtOfLuma(uint64_t whole, const PixelOf& pixel_of) {
   return (whole & (0 - lower)) | SeveralIn(whole);
 }
 
-// Luma of 16 bits, of which fewer can be taken.
-HWY_INLINE VI32 LumaWords(const Samples& samples) {
-  const DI32 d32;
-  const VI32 sum = Weigh<kLumaWeights>(samples);
-  VI32 luma = TruncatedProduct(sum, 0.256F);  // exact for all sums
-  const MI32 whole = hn::Eq(hn::Mul(luma, hn::Set(d32, 125)), hn::ShiftLeft<5>(sum));
-  if (hn::AllFalse(d32, whole)) return luma;
-  const MI32 grey = GreyPixels(samples);
-  if (!hn::AllFalse(d32, hn::AndNot(grey, whole))) return LumaInDoubles(samples, 256);
-  const VI32 darker = hn::BitCast(d32, InSet(hn::BitCast(D8(), hn::ShiftRight<8>(luma)), kDarkerGreys));
-  return hn::Sub(luma, hn::IfThenElseZero(hn::And(grey, hn::Ne(darker, hn::Zero(d32))), hn::Set(d32, 1)));
-}
-
 template <int kPixels>
 inline constexpr Weights kUWeights{500, -331, -169, 128000 * kPixels};
 template <int kPixels>
@@ -381,7 +385,7 @@ HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
   Channels(sums, b, g, r);
   const MI32 whole = IsWhole<1000 * kPixels>(u);
   if (!hn::AllFalse(d32, hn::AndNot(hn::Eq(g, r), whole))) {
-    return AsQuotient(ChromaUInDoubles<kPixels>(b, g, r));
+    return AsQuotient(ChromaUInDoubles<kPixels>(sums));
   }
   const V16 grey = hn::SaturatedSub(hn::BitCast(D16(), g), hn::Set(D16(), kLowerUOffset<kPixels>));
   const VI32 lower = hn::BitCast(d32, InSet(hn::BitCast(D8(), grey), kLowerU<kPixels>));

@@ -374,10 +374,11 @@ template <size_t kPixelBytes>
 struct ToMonoN : Target<kPixelBytes, 1, 2> {
   template <StoreKind kStores, size_t kVector = 0>
   HWY_INLINE void Block(uint8_t* to, const uint8_t* from, size_t x) const {
-    const VI32 low = LumaWords(SamplesIn<kPixelBytes>(LoadPixels<kPixelBytes, kVector>(from)));
-    const VI32 high = LumaWords(SamplesIn<kPixelBytes>(LoadPixels<kPixelBytes, kVector + 1>(from)));
-    const V16 words = hn::ConcatEven(D16(), hn::BitCast(D16(), high), hn::BitCast(D16(), low));
-    const V16 samples = hn::ShiftRightSame(words, 8 - static_cast<int>(this->extra_bits));
+    const double scale = 1 << this->extra_bits;
+    const VI32 low = LumaInDoubles(SamplesIn<kPixelBytes>(LoadPixels<kPixelBytes, kVector>(from)), scale);
+    const VI32 high =
+        LumaInDoubles(SamplesIn<kPixelBytes>(LoadPixels<kPixelBytes, kVector + 1>(from)), scale);
+    const V16 samples = hn::ConcatEven(D16(), hn::BitCast(D16(), high), hn::BitCast(D16(), low));
     Put<kStores>(hn::BitCast(D8(), samples), D8(), to + kVector / 2 * kLanes);
     if constexpr ((kVector + 2) * kLanes32 < kPart) Block<kStores, kVector + 2>(to, from, x);
   }
