@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "document.h"
+#include "goals.h"
 #include "machine.h"
 #include "measure.h"
 #include "peers.h"
@@ -41,6 +42,7 @@ class TemporaryFile {
 
 struct OwnOptions {
   bool verify = false;
+  bool goals = false;
   std::vector<std::string> from;
   std::string markdown;
 };
@@ -107,6 +109,7 @@ int Run(Options options, const OwnOptions& own) {
   }
   if (!options.json.empty()) WriteJson(report, options.json);
   if (!own.markdown.empty()) WriteMarkdown(report, own.markdown);
+  if (own.goals) ReportGoals(report);
   if (!options.baseline.empty()) failed |= CompareWith(baseline, options.baseline, report.results) > 0;
   return failed ? 1 : 0;
 }
@@ -119,6 +122,8 @@ int Main(int argc, char** argv) {
   app.get_option("--compare")->expected(0, 1)->default_str(PRISMO_BENCH_BASELINE);
   app.add_option("--markdown", own.markdown, "Put the results into this document, between its markers");
   app.add_option("--from", own.from, "Report the results of these --json files instead of measuring");
+  app.add_flag("--goals", own.goals,
+               "Name the rows that miss their goals, by the worst of the runs reported");
   app.add_flag("--verify", own.verify, "Only check that the peers do the same work");
   CLI11_PARSE(app, argc, argv);
   return Run(std::move(options), own);

@@ -92,6 +92,9 @@ Report ReadJson(const std::string& path) {
     Result& result = report.results.emplace_back();
     for (const auto& [key, text_of] : kTexts) result.*text_of = row[key].text;
     for (const auto& [key, number_of] : kNumbers) result.*number_of = row[key].number;
+    for (const Json& contestant : row["all_seconds"].members) {
+      result.all_seconds.emplace_back(contestant.name, contestant.number);
+    }
   }
   if (report.results.empty()) {
     throw std::runtime_error(path + ": holds no results; a run with --json FILE writes them");

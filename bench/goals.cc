@@ -1,0 +1,149 @@
+#include "goals.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iostream>
+#include <map>
+#include <optional>
+#include <regex>
+#include <string>
+#include <string_view>
+
+#include "format.h"
+
+namespace prismo::bench {
+namespace {
+
+constexpr std::array<std::string_view, 4> kSizes = {"1920x1080", "2448x2048", "4096x3000", "5120x5120"};
+using AtSizes = std::array<double, kSizes.size()>;
+
+constexpr AtSizes Everywhere(double goal) { return {goal, goal, goal, goal}; }
+
+struct Goal {
+  const char* conversions;  // a pattern of family/source/target
+  AtSizes at;
+};
+
+const Goal kOverLimit[] = {
+    {"mono/Mono8/BGRA?|packed/(RGB8|BGRA?8)/BGRA?", {1.05, 1.07, 1.04, 1.04}},
+    {"mono/Mono1./BGRA", {1.12, 1.05, 1.03, 1.03}},
+    {"mono/Mono1./BGR", {1.2, 1.1, 1.05, 1.05}},
+    {"packed/(RGB|BGR)1./BGRA", {1.3, 1.15, 1.08, 1.08}},
+    {"packed/(RGB|BGR)1./BGR", {1.5, 1.2, 1.1, 1.1}},
+    {"yuv/YUV422/BGRA", {1.45, 1.08, 1.03, 1.03}},
+    {"yuv/YUV422/BGR", {1.8, 1.4, 1.15, 1.15}},
+    {"yuv/YUV411/BGRA", {1.6, 1.1, 1.03, 1.03}},
+    {"yuv/YUV411/BGR", {2.0, 1.4, 1.15, 1.15}},
+    {"yuv/YUV444/BGRA", {1.6, 1.2, 1.05, 1.05}},
+    {"yuv/YUV444/BGR", {2.2, 1.5, 1.2, 1.2}},
+    {"bilinear/RG8/BGRA", {1.2, 1.3, 1.03, 1.03}},
+    {"bilinear/RG8/(BGR|Pad)", {1.5, 1.5, 1.07, 1.1}},
+    {"bilinear/RG1./BGRA", {1.5, 1.2, 1.08, 1.08}},
+    {"bilinear/RG1./BGR", {1.8, 1.5, 1.12, 1.12}},
+    {"planes/RG8/planes", {1.5, 1.5, 1.1, 1.1}},
+    {"planes/(RGB8|BGR8)/planes", Everywhere(1.05)},
+    {"adaptive/RG8/BGRA", {2.8, 1.5, 1.35, 1.35}},
+    {"adaptive/RG8/(BGR|Pad)", {3.8, 3.0, 1.7, 1.7}},
+    {"mirror/.*", Everywhere(1.07)},
+    {"raw/BGRA?8/Mono8", {1.6, 1.4, 1.2, 1.2}},
+    {"raw/BGRA?8/YUV422", {2.2, 1.8, 1.3, 1.3}},
+    {"raw/BGRA?8/YUV444", {2.5, 1.8, 1.25, 1.25}},
+    {"bayer/.*", {1.15, 1.15, 1.08, 1.08}},
+    {"file/.*/bmp", Everywhere(1.08)},
+};
+
+// With AVX2, of the above; 0 where there is no goal.
+constexpr AtSizes kAvx2 = {2, 0, 1.1, 1.1};
+
+const Goal kPoolOverCaller[] = {
+    {"adaptive/.*", {1.7, 1.7, 1.3, 1.3}},
+    {"(bilinear|mono|packed|yuv|planes|mirror|raw|bayer)/.*", {1.5, 1.5, 0.97, 0.97}},
+};
+
+constexpr double kTolerance = 1.10;
+
+template <size_t kCount>
+double GoalOf(const Goal (&goals)[kCount], const std::string& conversion, std::string_view size) {
+  const auto at = static_cast<size_t>(std::ranges::find(kSizes, size) - kSizes.begin());
+  if (at == kSizes.size()) return 0;
+  for (const Goal& goal : goals) {
+    if (std::regex_match(conversion, std::regex(goal.conversions))) return goal.at[at];
+  }
+  return 0;
+}
+
+struct RowName {
+  std::string conversion, threads, size;
+};
+
+std::optional<RowName> Parse(const std::string& name) {
+  static const std::regex kName("(.*)/(caller|pool2)/([^/]*)");
+  std::smatch parts;
+  if (!std::regex_match(name, parts, kName)) return std::nullopt;
+  return RowName{parts[1], parts[2], parts[3]};
+}
+
+struct Judgement {
+  double goal;
+  double missed_by;  // more than 1 where it is not reached
+  std::string what;
+};
+
+std::optional<Judgement> Judge(const Result& result, bool avx2) {
+  const std::optional<RowName> row = Parse(result.name);
+  if (!row) return std::nullopt;
+  if (row->threads == "caller") {
+    double goal = GoalOf(kOverLimit, row->conversion, row->size);
+    if (avx2)
+      goal *=
+          kAvx2[static_cast<size_t>(std::ranges::find(kSizes, row->size) - kSizes.begin()) % kAvx2.size()];
+    if (goal <= 0 || result.over_limit <= 0) return std::nullopt;
+    return Judgement{goal, result.over_limit / goal, Format("%.2f x the limit", result.over_limit)};
+  }
+  const double goal = GoalOf(kPoolOverCaller, row->conversion, row->size);
+  if (goal <= 0 || result.faster_than_caller <= 0) return std::nullopt;
+  return Judgement{goal, goal / result.faster_than_caller,
+                   Format("%.2f times as fast as the caller's thread", result.faster_than_caller)};
+}
+
+// Our time as a multiple of the better loop that reads the source and writes the target; 0 without such
+// loops.
+double OverSameBytes(const Result& result) {
+  double loop = 0;
+  for (const auto& [name, seconds] : result.all_seconds) {
+    if ((name == "NT" || name == "plain") && (loop <= 0 || seconds < loop)) loop = seconds;
+  }
+  return loop > 0 ? result.seconds / loop : 0;
+}
+
+}  // namespace
+
+int ReportGoals(const Report& report) {
+  static const std::regex kAvx2Facts("instruction set: (at most avx2 .*|the processor's best, avx2)");
+  const bool avx2 = std::ranges::any_of(
+      report.machine, [](const std::string& fact) { return std::regex_match(fact, kAvx2Facts); });
+  std::map<std::string, std::pair<Judgement, const Result*>> worst;
+  for (const Result& result : report.results) {
+    const std::optional<Judgement> judgement = Judge(result, avx2);
+    if (!judgement) continue;
+    const auto [row, is_new] = worst.try_emplace(result.name, *judgement, &result);
+    if (!is_new && judgement->missed_by > row->second.first.missed_by) row->second = {*judgement, &result};
+  }
+  int missed = 0;
+  for (const auto& [name, row] : worst) {
+    const auto& [judgement, result] = row;
+    if (judgement.missed_by <= kTolerance) continue;
+    ++missed;
+    std::cout << Format("missed: %s is %s, goal %.2f", name.c_str(), judgement.what.c_str(), judgement.goal);
+    if (const double over = OverSameBytes(*result); over > 0) {
+      std::cout << Format("; %.2f x loops that move the same bytes", over);
+    }
+    std::cout << '\n';
+  }
+  std::cout << Format("%d of %d rows miss their goal by more than 10 %%\n", missed,
+                      static_cast<int>(worst.size()));
+  return missed;
+}
+
+}  // namespace prismo::bench

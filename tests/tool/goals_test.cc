@@ -1,0 +1,81 @@
+#include "bench/goals.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace prismo::test {
+namespace {
+
+using bench::Result;
+
+struct Answer {
+  int missed;
+  std::string text;
+};
+
+Answer GoalsOf(std::vector<Result> results, std::vector<std::string> machine = {}) {
+  testing::internal::CaptureStdout();
+  const int missed = bench::ReportGoals({std::move(machine), std::move(results)});
+  return {missed, testing::internal::GetCapturedStdout()};
+}
+
+Result OverLimit(const std::string& name, double over_limit) {
+  Result result{name};
+  result.seconds = 3;
+  result.over_limit = over_limit;
+  result.all_seconds = {{"PrismoUtl", 3}, {"memcpy", 1}, {"NT", 2}, {"plain", 4}};
+  return result;
+}
+
+TEST(Goals, TenPercentAboveIsAccepted) {
+  const std::string row = "bilinear/RG8/BGRA/caller/1920x1080";
+  EXPECT_EQ(GoalsOf({OverLimit(row, 1.31)}).missed, 0);
+  const Answer missed = GoalsOf({OverLimit(row, 1.33)});
+  EXPECT_EQ(missed.missed, 1);
+  EXPECT_EQ(missed.text, "missed: " + row +
+                             " is 1.33 x the limit, goal 1.20; 1.50 x loops that move the same bytes\n"
+                             "1 of 1 rows miss their goal by more than 10 %\n");
+}
+
+TEST(Goals, EachSizeHasItsOwn) {
+  EXPECT_EQ(GoalsOf({OverLimit("bilinear/RG8/BGRA/caller/2448x2048", 1.4)}).missed, 0);
+  EXPECT_EQ(GoalsOf({OverLimit("bilinear/RG8/BGRA/caller/4096x3000", 1.2)}).missed, 1);
+}
+
+TEST(Goals, TheWorstOfSeveralRunsCounts) {
+  const std::string row = "mirror/RGB8/both/caller/4096x3000";
+  const Answer answer = GoalsOf({OverLimit(row, 1.0), OverLimit(row, 1.5), OverLimit(row, 1.1)});
+  EXPECT_EQ(answer.missed, 1);
+  EXPECT_NE(answer.text.find("1.50 x the limit"), std::string::npos) << answer.text;
+}
+
+TEST(Goals, Avx2HasLowerOnes) {
+  const std::vector<std::string> machine = {
+      "processor: any", "instruction set: at most avx2 (PRISMO_SIMD), the limits use avx512"};
+  EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/1920x1080", 3.5)}, machine).missed, 0);
+  EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/1920x1080", 3.6)}, machine).missed, 1);
+  EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/2448x2048", 9)}, machine).missed, 0);
+}
+
+TEST(Goals, PoolsAreComparedWithTheCallersThread) {
+  Result pool{"adaptive/RG8/BGR/pool2/1920x1080"};
+  pool.faster_than_caller = 1.6;
+  EXPECT_EQ(GoalsOf({pool}).missed, 0);
+  pool.faster_than_caller = 1.5;
+  const Answer missed = GoalsOf({pool});
+  EXPECT_EQ(missed.missed, 1);
+  EXPECT_NE(missed.text.find("is 1.50 times as fast as the caller's thread, goal 1.70\n"), std::string::npos)
+      << missed.text;
+}
+
+TEST(Goals, OtherRowsHaveNone) {
+  const Answer answer = GoalsOf(
+      {OverLimit("engine/rows/none/pool2/1920x1080", 9), OverLimit("mono/Mono8/BGRA/caller/64x64", 9)});
+  EXPECT_EQ(answer.missed, 0);
+  EXPECT_EQ(answer.text, "0 of 0 rows miss their goal by more than 10 %\n");
+}
+
+}  // namespace
+}  // namespace prismo::test
