@@ -9,6 +9,8 @@
 #include <regex>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "format.h"
 
@@ -55,6 +57,8 @@ const Goal kOverLimit[] = {
 
 // With AVX2, of the above; 0 where there is no goal.
 constexpr AtSizes kAvx2 = {2, 0, 1.1, 1.1};
+constexpr AtSizes kAvx512 = Everywhere(1);
+constexpr AtSizes kOthers = Everywhere(0);
 
 const Goal kPoolOverCaller[] = {
     {"adaptive/.*", {1.7, 1.7, 1.3, 1.3}},
@@ -63,25 +67,24 @@ const Goal kPoolOverCaller[] = {
 
 constexpr double kTolerance = 1.10;
 
-template <size_t kCount>
-double GoalOf(const Goal (&goals)[kCount], const std::string& conversion, std::string_view size) {
-  const auto at = static_cast<size_t>(std::ranges::find(kSizes, size) - kSizes.begin());
-  if (at == kSizes.size()) return 0;
-  for (const Goal& goal : goals) {
-    if (std::regex_match(conversion, std::regex(goal.conversions))) return goal.at[at];
+// What the goals over the limit are multiplied by for the instruction set that the machine's facts name.
+AtSizes ShareOf(const std::vector<std::string>& machine) {
+  static const std::regex kFact("instruction set: (?:at most ([^ ]*) .*|.*, ([^ ]*))");
+  for (const std::string& fact : machine) {
+    std::smatch set;
+    if (!std::regex_match(fact, set, kFact)) continue;
+    const std::string name = set[1].matched ? set[1] : set[2];
+    return name == "avx2" ? kAvx2 : name.starts_with("avx512") ? kAvx512 : kOthers;
   }
-  return 0;
+  return kAvx512;
 }
 
-struct RowName {
-  std::string conversion, threads, size;
-};
-
-std::optional<RowName> Parse(const std::string& name) {
-  static const std::regex kName("(.*)/(caller|pool2)/([^/]*)");
-  std::smatch parts;
-  if (!std::regex_match(name, parts, kName)) return std::nullopt;
-  return RowName{parts[1], parts[2], parts[3]};
+template <size_t kCount>
+double GoalOf(const Goal (&goals)[kCount], const std::string& conversion, size_t size) {
+  for (const Goal& goal : goals) {
+    if (std::regex_match(conversion, std::regex(goal.conversions))) return goal.at[size];
+  }
+  return 0;
 }
 
 struct Judgement {
@@ -90,18 +93,19 @@ struct Judgement {
   std::string what;
 };
 
-std::optional<Judgement> Judge(const Result& result, bool avx2) {
-  const std::optional<RowName> row = Parse(result.name);
-  if (!row) return std::nullopt;
-  if (row->threads == "caller") {
-    double goal = GoalOf(kOverLimit, row->conversion, row->size);
-    if (avx2)
-      goal *=
-          kAvx2[static_cast<size_t>(std::ranges::find(kSizes, row->size) - kSizes.begin()) % kAvx2.size()];
+std::optional<Judgement> Judge(const Result& result, const AtSizes& share) {
+  static const std::regex kName("(.*)/(caller|pool2)/([^/]*)");
+  std::smatch parts;
+  if (!std::regex_match(result.name, parts, kName)) return std::nullopt;
+  const std::string conversion = parts[1];
+  const auto size = static_cast<size_t>(std::ranges::find(kSizes, parts[3].str()) - kSizes.begin());
+  if (size == kSizes.size()) return std::nullopt;
+  if (parts[2] == "caller") {
+    const double goal = GoalOf(kOverLimit, conversion, size) * share[size];
     if (goal <= 0 || result.over_limit <= 0) return std::nullopt;
     return Judgement{goal, result.over_limit / goal, Format("%.2f x the limit", result.over_limit)};
   }
-  const double goal = GoalOf(kPoolOverCaller, row->conversion, row->size);
+  const double goal = GoalOf(kPoolOverCaller, conversion, size);
   if (goal <= 0 || result.faster_than_caller <= 0) return std::nullopt;
   return Judgement{goal, goal / result.faster_than_caller,
                    Format("%.2f times as fast as the caller's thread", result.faster_than_caller)};
@@ -120,12 +124,10 @@ double OverSameBytes(const Result& result) {
 }  // namespace
 
 int ReportGoals(const Report& report) {
-  static const std::regex kAvx2Facts("instruction set: (at most avx2 .*|the processor's best, avx2)");
-  const bool avx2 = std::ranges::any_of(
-      report.machine, [](const std::string& fact) { return std::regex_match(fact, kAvx2Facts); });
+  const AtSizes share = ShareOf(report.machine);
   std::map<std::string, std::pair<Judgement, const Result*>> worst;
   for (const Result& result : report.results) {
-    const std::optional<Judgement> judgement = Judge(result, avx2);
+    const std::optional<Judgement> judgement = Judge(result, share);
     if (!judgement) continue;
     const auto [row, is_new] = worst.try_emplace(result.name, *judgement, &result);
     if (!is_new && judgement->missed_by > row->second.first.missed_by) row->second = {*judgement, &result};
@@ -136,7 +138,9 @@ int ReportGoals(const Report& report) {
     if (judgement.missed_by <= kTolerance) continue;
     ++missed;
     std::cout << Format("missed: %s is %s, goal %.2f", name.c_str(), judgement.what.c_str(), judgement.goal);
-    if (const double over = OverSameBytes(*result); over > 0) {
+    const double over =
+        result->over_limit > 0 && name.find("/caller/") != std::string::npos ? OverSameBytes(*result) : 0;
+    if (over > 0) {
       std::cout << Format("; %.2f x loops that move the same bytes", over);
     }
     std::cout << '\n';

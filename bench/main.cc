@@ -109,7 +109,7 @@ int Run(Options options, const OwnOptions& own) {
   }
   if (!options.json.empty()) WriteJson(report, options.json);
   if (!own.markdown.empty()) WriteMarkdown(report, own.markdown);
-  if (own.goals) ReportGoals(report);
+  if (own.goals) failed |= ReportGoals(report) > 0;
   if (!options.baseline.empty()) failed |= CompareWith(baseline, options.baseline, report.results) > 0;
   return failed ? 1 : 0;
 }

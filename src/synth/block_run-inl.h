@@ -38,6 +38,7 @@ HWY_INLINE size_t PixelsToLine(const uint8_t* to) {
 template <StoreKind kStores, class Maker>
 HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, size_t pixels) {
   constexpr size_t kBlock = Maker::kBlock;
+  static_assert(kLanes == 1 || Maker::OutBytes(kBlock) % kCacheLine == 0);
   if (pixels < kBlock) {
     alignas(64) uint8_t run[Maker::InBytes(kBlock)] = {};
     std::memcpy(run, src, Maker::InBytes(pixels));

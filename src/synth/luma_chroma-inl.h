@@ -194,9 +194,8 @@ HWY_INLINE V32 QuotientBytes(VI32 q0, VI32 q1, VI32 q2, VI32 q3) {
 }
 #endif
 
-// Samples of the lower or the upper halves of 128-bit lanes as doubles, for Product. With fused products
-// those of 2^52 and a sample, which are made of bits: what is too much in a product is taken off before it is
-// rounded.
+// Samples of half a vector for Product, as doubles. Where products are fused these are 2^52 more, made of
+// bits, as what is too much in a product is taken off before it is rounded, and of halves of 128-bit lanes.
 #if HWY_NATIVE_FMA
 HWY_INLINE VF64 LowerDoubles(VI32 v) {
   return hn::BitCast(DF64(), hn::InterleaveLower(DI32(), v, hn::Set(DI32(), 0x43300000)));
@@ -213,8 +212,9 @@ HWY_INLINE VF64 UpperDoubles(VI32 v) { return hn::PromoteTo(DF64(), hn::UpperHal
 HWY_INLINE VF64 Product(VF64 v, double weight) { return hn::Mul(v, hn::Set(DF64(), weight)); }
 #endif
 
-// The integer parts of sums of the lower and upper halves of 128-bit lanes.
+// The integer parts of sums of LowerDoubles and UpperDoubles.
 HWY_INLINE VI32 IntegerParts(VF64 low, VF64 high) {
+  static_assert(HWY_NATIVE_FMA || kLanes == 16);  // or halves of lanes would be halves of vectors
 #if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3
   // 2^52 more, rounded down, has it in its low bits.
   const auto integer_part = [](VF64 v) PRISMO_INLINE {
@@ -333,30 +333,32 @@ inline constexpr Weights kUWeights{500, -331, -169, 128000 * kPixels};
 template <int kPixels>
 inline constexpr Weights kVWeights{-81, -419, 500, 128000 * kPixels};
 
-// Where green equals red, the double lies below an integer for these greens, unless there is more blue. None
-// of them is below an offset, which brings them into bytes.
+// Where green equals red, the double of a whole sum lies below it for these greens, unless there is more
+// blue.
+template <int kPixels>
+constexpr bool LowersU(int green) {
+  return ChromaUOf<kPixels>(green, green, green) < 128;
+}
+
+// None of them is below an offset, which brings them into bytes.
 template <int kPixels>
 inline constexpr int kLowerUOffset = 255 * (kPixels - 1);
 template <int kPixels>
-inline constexpr ByteSet kLowerU([](int v) {
-  const int green = v + kLowerUOffset<kPixels>;
-  return ChromaUOf<kPixels>(green, green, green) < 128;
-});
+inline constexpr ByteSet kLowerU([](int v) { return LowersU<kPixels>(v + kLowerUOffset<kPixels>); });
 
 // The same for a single pixel, all of whose whole quotients have green equal to red: blue below this.
 inline constexpr auto kLowerUBelow = [] {
   struct {
     uint16_t blue[256];
   } below{};
-  for (int v = 0; v < 256; ++v)
-    below.blue[v] = ChromaUOf<1>(v, v, v) < 128 ? static_cast<uint16_t>(v + 1) : 0;
+  for (int v = 0; v < 256; ++v) below.blue[v] = LowersU<1>(v) ? static_cast<uint16_t>(v + 1) : 0;
   return below;
 }();
 
-// None of these greens is below.
-inline constexpr int kLowerUGreen = 192;
-static_assert(std::all_of(kLowerUBelow.blue, kLowerUBelow.blue + kLowerUGreen,
-                          [](int blue) { return blue == 0; }));
+// All greens that lower U of a pixel are above this one.
+inline constexpr int kBelowLowerU = 192;
+static_assert(std::none_of(kLowerUBelow.blue, kLowerUBelow.blue + kBelowLowerU + 1,
+                           [](int blue) { return blue != 0; }));
 
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
 // 1 where U of a pixel lies lower if it is whole: less that, sums have the quotients that doubles give, as
@@ -367,11 +369,11 @@ HWY_INLINE VI32 LowerU(const Samples& pixels) {
     struct {
       uint8_t by_green[64];
     } lower{};
-    for (int i = 0; i < 64; ++i) lower.by_green[i] = kLowerUBelow.blue[kLowerUGreen + i] != 0;
+    for (int i = 0; i < 64; ++i) lower.by_green[i] = LowersU<1>(kBelowLowerU + i);
     return lower;
   }();
   const V8 green = hn::BitCast(d8, pixels.green), blue = hn::BitCast(d8, pixels.blue_red);
-  const V8 offset = hn::BitCast(d8, hn::Set(D32(), 0xFFFFFF00 + kLowerUGreen));
+  const V8 offset = hn::BitCast(d8, hn::Set(D32(), 0xFFFFFF00 + kBelowLowerU));
   const __m512i lower =
       _mm512_permutexvar_epi8(hn::SaturatedSub(green, offset).raw, _mm512_load_si512(kLower.by_green));
   return hn::BitCast(DI32(), hn::SaturatedSub(V8{lower}, hn::SaturatedSub(blue, green)));
@@ -412,7 +414,7 @@ HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], c
     whole[i] = IsWhole<1000 * kPixels>(u[i]);
     if constexpr (kPixels == 1) {
       const VI32 green = hn::BitCast(DI32(), sums[i].green);
-      whole[i] = hn::And(whole[i], hn::Gt(green, hn::Set(DI32(), (kLowerUGreen << 16) - 1)));
+      whole[i] = hn::And(whole[i], hn::Gt(green, hn::Set(DI32(), (kBelowLowerU << 16) + 0xFFFF)));
     }
   }
   if constexpr (kPixels == 1) {

@@ -57,6 +57,32 @@ TEST(Goals, Avx2HasLowerOnes) {
   EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/1920x1080", 3.5)}, machine).missed, 0);
   EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/1920x1080", 3.6)}, machine).missed, 1);
   EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/2448x2048", 9)}, machine).missed, 0);
+  EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/1920x1080", 3.5)},
+                    {"instruction set: the processor's best, avx2"})
+                .missed,
+            0);
+  EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/1920x1080", 3.5)},
+                    {"instruction set: the processor's best, avx512vbmi"})
+                .missed,
+            1);
+}
+
+TEST(Goals, OtherInstructionSetsHaveNone) {
+  EXPECT_EQ(GoalsOf({OverLimit("yuv/YUV444/BGRA/caller/1920x1080", 9)},
+                    {"instruction set: at most sse4 (PRISMO_SIMD), the limits use avx512vbmi"})
+                .text,
+            "0 of 0 rows miss their goal by more than 10 %\n");
+}
+
+TEST(Goals, ReadFromAFile) {
+  const std::string path = testing::TempDir() + "goals.json";
+  bench::WriteJson({{"instruction set: the processor's best, avx512"},
+                    {OverLimit("bilinear/RG8/BGRA/caller/1920x1080", 1.33)}},
+                   path);
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(bench::ReportGoals(bench::ReadJson(path)), 1);
+  EXPECT_NE(testing::internal::GetCapturedStdout().find("; 1.50 x loops that move the same bytes\n"),
+            std::string::npos);
 }
 
 TEST(Goals, PoolsAreComparedWithTheCallersThread) {
