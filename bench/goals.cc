@@ -9,7 +9,6 @@
 #include <regex>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "format.h"
@@ -91,25 +90,8 @@ struct Judgement {
   double goal;
   double missed_by;  // more than 1 where it is not reached
   std::string what;
+  double over_same_bytes;  // 0 where it does not count
 };
-
-std::optional<Judgement> Judge(const Result& result, const AtSizes& share) {
-  static const std::regex kName("(.*)/(caller|pool2)/([^/]*)");
-  std::smatch parts;
-  if (!std::regex_match(result.name, parts, kName)) return std::nullopt;
-  const std::string conversion = parts[1];
-  const auto size = static_cast<size_t>(std::ranges::find(kSizes, parts[3].str()) - kSizes.begin());
-  if (size == kSizes.size()) return std::nullopt;
-  if (parts[2] == "caller") {
-    const double goal = GoalOf(kOverLimit, conversion, size) * share[size];
-    if (goal <= 0 || result.over_limit <= 0) return std::nullopt;
-    return Judgement{goal, result.over_limit / goal, Format("%.2f x the limit", result.over_limit)};
-  }
-  const double goal = GoalOf(kPoolOverCaller, conversion, size);
-  if (goal <= 0 || result.faster_than_caller <= 0) return std::nullopt;
-  return Judgement{goal, goal / result.faster_than_caller,
-                   Format("%.2f times as fast as the caller's thread", result.faster_than_caller)};
-}
 
 // Our time as a multiple of the better loop that reads the source and writes the target; 0 without such
 // loops.
@@ -121,27 +103,43 @@ double OverSameBytes(const Result& result) {
   return loop > 0 ? result.seconds / loop : 0;
 }
 
+std::optional<Judgement> Judge(const Result& result, const AtSizes& share) {
+  static const std::regex kName("(.*)/(caller|pool2)/([^/]*)");
+  std::smatch parts;
+  if (!std::regex_match(result.name, parts, kName)) return std::nullopt;
+  const std::string conversion = parts[1];
+  const auto size = static_cast<size_t>(std::ranges::find(kSizes, parts[3].str()) - kSizes.begin());
+  if (size == kSizes.size()) return std::nullopt;
+  if (parts[2] == "caller") {
+    const double goal = GoalOf(kOverLimit, conversion, size) * share[size];
+    if (goal <= 0 || result.over_limit <= 0) return std::nullopt;
+    return Judgement{goal, result.over_limit / goal, Format("%.2f x the limit", result.over_limit),
+                     OverSameBytes(result)};
+  }
+  const double goal = GoalOf(kPoolOverCaller, conversion, size);
+  if (goal <= 0 || result.faster_than_caller <= 0) return std::nullopt;
+  return Judgement{goal, goal / result.faster_than_caller,
+                   Format("%.2f times as fast as the caller's thread", result.faster_than_caller), 0};
+}
+
 }  // namespace
 
 int ReportGoals(const Report& report) {
   const AtSizes share = ShareOf(report.machine);
-  std::map<std::string, std::pair<Judgement, const Result*>> worst;
+  std::map<std::string, Judgement> worst;
   for (const Result& result : report.results) {
     const std::optional<Judgement> judgement = Judge(result, share);
     if (!judgement) continue;
-    const auto [row, is_new] = worst.try_emplace(result.name, *judgement, &result);
-    if (!is_new && judgement->missed_by > row->second.first.missed_by) row->second = {*judgement, &result};
+    const auto [row, is_new] = worst.try_emplace(result.name, *judgement);
+    if (!is_new && judgement->missed_by > row->second.missed_by) row->second = *judgement;
   }
   int missed = 0;
   for (const auto& [name, row] : worst) {
-    const auto& [judgement, result] = row;
-    if (judgement.missed_by <= kTolerance) continue;
+    if (row.missed_by <= kTolerance) continue;
     ++missed;
-    std::cout << Format("missed: %s is %s, goal %.2f", name.c_str(), judgement.what.c_str(), judgement.goal);
-    const double over =
-        result->over_limit > 0 && name.find("/caller/") != std::string::npos ? OverSameBytes(*result) : 0;
-    if (over > 0) {
-      std::cout << Format("; %.2f x loops that move the same bytes", over);
+    std::cout << Format("missed: %s is %s, goal %.2f", name.c_str(), row.what.c_str(), row.goal);
+    if (row.over_same_bytes > 0) {
+      std::cout << Format("; %.2f x loops that move the same bytes", row.over_same_bytes);
     }
     std::cout << '\n';
   }

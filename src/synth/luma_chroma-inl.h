@@ -395,8 +395,8 @@ HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
   return hn::Sub(u, hn::IfThenElseZero(hn::And(whole, known), AsQuotient(hn::Set(d32, 1))));
 }
 
-// U, as quotients, of sums of kPixels pixels. A doubt if a quick look may have left one too high; those of
-// several pixels are hardly ever whole.
+// U, as quotients, of sums of kPixels pixels. A doubt if a quick look may have left one too high. Those of
+// several pixels are rarely whole but where these are grey, whose lumas are doubted, too.
 template <int kPixels, Look kLook, size_t kVectors, class PixelOf>
 HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], const PixelOf& pixel_of) {
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86

@@ -58,6 +58,12 @@ TEST(ToRaw, EveryWidthOnEveryTarget) {
         CheckFrame(target, source, 1236, 3, true, Pattern::kRandom, random);
         CheckFrame(target, source, 1028, 3, false, Pattern::kFine, random);
         CheckFrame(target, source, 2048, 9, false, Pattern::kFine, random);  // at several places by turns
+        // Long runs, whose blocks may be larger, end anywhere in one.
+        for (const uint32_t rest : {0, 4, 60, 64, 68, 124, 128, 132, 188, 252, 256, 260}) {
+          const uint32_t width = 4096 + rest + GroupPixels(target) % 4;
+          CheckFrame(target, source, width, 1, false, kPatterns[i++ % std::size(kPatterns)], random);
+        }
+        CheckFrame(target, source, 4100 + GroupPixels(target) % 4, 2, true, Pattern::kRandom, random);
         if (target == kRgb12) CheckFrame(target, source, 2048, 65, false, Pattern::kRandom, random);
         if (HasFailure()) return;
       }
