@@ -71,21 +71,6 @@ HWY_INLINE BlockWords WordsAt(const int16_t* even, const int16_t* odd, size_t x,
            (x_is_odd ? even + 1 : odd) + x / 2 + static_cast<ptrdiff_t>(block) * kSites}};
 }
 
-// As OutsideColumns, for sites: every second column from `first` on.
-HWY_INLINE hn::Mask<DSite> OutsideSites(size_t first, ColumnRange inner) {
-  const auto sites_before = [first](size_t column) {
-    return static_cast<uint32_t>(column > first ? (column - first + 1) / 2 : 0);
-  };
-  return OutsideColumns(DSite(), 0, {sites_before(inner.begin), sites_before(inner.end)});
-}
-
-// The site that is the given column, if there is one.
-HWY_INLINE hn::Mask<DSite> SiteAt(size_t first, size_t column) {
-  const bool among = column >= first && column < first + size_t{2 * kSites} && (column - first) % 2 == 0;
-  const auto lane = static_cast<int16_t>(among ? static_cast<int>(column - first) / 2 : -1);
-  return hn::Eq(hn::Iota(DSite(), 0), hn::Set(DSite(), lane));
-}
-
 // The words that a row's colours are computed from: of row y - 1 and the two below it.
 struct ColourRows {
   const int16_t* even[3];
@@ -160,10 +145,8 @@ HWY_INLINE Surroundings LoadSurroundings(const ColourWords& at, ptrdiff_t c, ptr
   return LoadSurroundings(at, c, g, at.green[2].Beside(c), at.green[2].At(g));
 }
 
-template <bool kBorder>
-HWY_INLINE void ColourBlock(const ColourWords& at, const Surroundings& around, size_t x, uint32_t width,
-                            ColumnRange adaptive, auto starts_green, V8& row_colour, V8& green,
-                            V8& other_colour) {
+HWY_INLINE void ColourBlock(const ColourWords& at, const Surroundings& around, auto starts_green,
+                            V8& row_colour, V8& green, V8& other_colour) {
   const ptrdiff_t g = FirstSite(!starts_green);  // the first green site
   const ptrdiff_t c = FirstSite(starts_green);   // the first other one
 
@@ -172,8 +155,8 @@ HWY_INLINE void ColourBlock(const ColourWords& at, const Surroundings& around, s
   const auto at_green = [&](VSite differences) PRISMO_INLINE {
     return hn::ShiftRight<2>(hn::Add(differences, hn::Add(own_green, own_green)));
   };
-  VSite horizontal = at_green(hn::Add(around.difference.west, around.difference.east));
-  VSite vertical = at_green(
+  const VSite horizontal = at_green(hn::Add(around.difference.west, around.difference.east));
+  const VSite vertical = at_green(
       Difference(hn::Add(around.north, around.south), hn::Add(around.green_north, around.green_south)));
 
   const auto [nw, ne] = around.above;
@@ -185,34 +168,28 @@ HWY_INLINE void ColourBlock(const ColourWords& at, const Surroundings& around, s
     const VSite samples = hn::Add(north, south);
     return Direction(north, south, laplacian, hn::Add(hn::Add(samples, samples), laplacian));
   };
-  VSite opposite = Smoother(direction(ne, sw, around.green_above.east, around.green_under.west),
-                            direction(nw, se, around.green_above.west, around.green_under.east));
+  const VSite opposite = Smoother(direction(ne, sw, around.green_above.east, around.green_under.west),
+                                  direction(nw, se, around.green_above.west, around.green_under.east));
 
-  if constexpr (kBorder) {
-    // Bilinear: averages over the neighbours inside the frame.
-    const auto bilinear = [&](size_t first, VSite inside, VSite west, VSite east) PRISMO_INLINE {
-      return hn::IfThenElse(SiteAt(first, 0), east, hn::IfThenElse(SiteAt(first, width - 1), west, inside));
-    };
-    const auto others = OutsideSites(x + static_cast<size_t>(c), adaptive);
-    const auto greens = OutsideSites(x + static_cast<size_t>(g), adaptive);
-    const VSite west = at.raw[1].At(g - 1), east = at.raw[1].At(g + 1);
-    horizontal = hn::IfThenElse(greens, bilinear(x + static_cast<size_t>(g), Mean(west, east), west, east),
-                                horizontal);
-    vertical = hn::IfThenElse(greens, Mean(at.raw[0].At(g), at.raw[2].At(g)), vertical);
-    opposite = hn::IfThenElse(
-        others, bilinear(x + static_cast<size_t>(c), Mean(nw, ne, sw, se), Mean(nw, sw), Mean(ne, se)),
-        opposite);
-  }
   row_colour = Block(horizontal, at.raw[1].At(c), starts_green);
   green = Block(own_green, site_green, starts_green);
   other_colour = Block(vertical, opposite, starts_green);
 }
 
-// Blocks at the sides of a row.
+// The colours that are not green as averages over the neighbours.
+HWY_INLINE void BilinearBlock(const ColourWords& at, auto starts_green, V8& row_colour, V8& other_colour) {
+  const ptrdiff_t g = FirstSite(!starts_green), c = FirstSite(starts_green);
+  const auto [west, east] = at.raw[1].Beside(g);
+  const auto [nw, ne] = at.raw[0].Beside(c);
+  const auto [sw, se] = at.raw[2].Beside(c);
+  row_colour = Block(Mean(west, east), at.raw[1].At(c), starts_green);
+  other_colour = Block(Mean(at.raw[0].At(g), at.raw[2].At(g)), Mean(nw, ne, sw, se), starts_green);
+}
+
+// Blocks at the sides of a row, and those of rows that are bilinear throughout.
 struct BorderBlocks {
   const ColourLines& lines;
   const GreenLines& below_lines;
-  const BayerRow& row;
 
   HWY_INLINE void operator()(size_t x, bool starts_green, V8& row_colour, V8& green, V8& other_colour) const {
     if (starts_green) {
@@ -225,8 +202,13 @@ struct BorderBlocks {
  private:
   HWY_INLINE void Make(size_t x, auto starts_green, V8& row_colour, V8& green, V8& other_colour) const {
     const ColourWords at(LoadedRows(lines, below_lines), x, x % 2 != 0, 0);
-    ColourBlock<true>(at, LoadSurroundings(at, FirstSite(starts_green), FirstSite(!starts_green)), x,
-                      row.width, lines.adaptive, starts_green, row_colour, green, other_colour);
+    ColourBlock(at, LoadSurroundings(at, FirstSite(starts_green), FirstSite(!starts_green)), starts_green,
+                row_colour, green, other_colour);
+    V8 bilinear_row_colour, bilinear_other_colour;
+    BilinearBlock(at, starts_green, bilinear_row_colour, bilinear_other_colour);
+    const auto bilinear = OutsideColumns<kSiteOrder>(D8(), x, lines.adaptive);
+    row_colour = hn::IfThenElse(bilinear, bilinear_row_colour, row_colour);
+    other_colour = hn::IfThenElse(bilinear, bilinear_other_colour, other_colour);
   }
 };
 
@@ -277,8 +259,7 @@ class CarriedBlocks {
     sink_.PrepareBlock(x_ + block * kLanes, kPrepareNear);
     const ColourWords at = Words();
     const Surroundings around = around_.Next(at, green_under_.Next(at.green[2]));
-    ColourBlock<false>(at, around, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
-                       other_colour);
+    ColourBlock(at, around, std::bool_constant<kStartsGreen>(), row_colour, green, other_colour);
     rows_.MoveBy(2 * kSites);
   }
 
@@ -310,8 +291,7 @@ class BlocksInStep {
       const Neighbours below = below_.Beside();
       around = LoadSurroundings(at, c, g, below, kStartsGreen ? below.west : below.east);
     }
-    ColourBlock<false>(at, around, 0, 0, {}, std::bool_constant<kStartsGreen>(), row_colour, green,
-                       other_colour);
+    ColourBlock(at, around, std::bool_constant<kStartsGreen>(), row_colour, green, other_colour);
     below_.Next();
     for (int16_t*& words : greens_) words = LoadedAlone(words + kSites);
   }
@@ -345,7 +325,7 @@ void ColourInStep(const ColourLines& lines, const GreenLines& below_lines, const
             {below_lines, below, LoadedAlone(lines.greens[2]), first, blocks},
             LoadedAlone(lines.greens[0]) + first, LoadedAlone(lines.greens[1]) + first);
       },
-      BorderBlocks{lines, below_lines, row});
+      BorderBlocks{lines, below_lines});
 }
 #endif
 
@@ -367,34 +347,35 @@ void Colour(const ColourLines& lines, const GreenLines& below_lines, const Bayer
 #endif
   }
   Green(below_lines, below, lines.greens[2]);
-  const ColourRows rows = LoadedRows(lines, below_lines);
 #if PRISMO_MANY_REGISTERS
   if (kStores == StoreKind::kCached && row.columns.begin % 2 == 0 && simd::CrossingLoadsAreSlow()) {
     return CoverColumns<kStores, false, kSiteOrder>(
         row, lines.adaptive, sink,
-        [=](size_t first, size_t, auto starts_green) PRISMO_INLINE {
-          ColourRows from_first = rows;
+        [&](size_t first, size_t, auto starts_green) PRISMO_INLINE {
+          ColourRows from_first = LoadedRows(lines, below_lines);
           from_first.MoveBy(first);
           return CarriedBlocks<decltype(starts_green)::value, PackedSink<kBytes, kSiteOrder>>(from_first,
                                                                                               sink, first);
         },
-        BorderBlocks{lines, below_lines, row});
+        BorderBlocks{lines, below_lines});
   }
 #endif
   CoverColumns<kStores, false, kSiteOrder>(
       row, lines.adaptive, sink,
-      [=, green_first = row.role.green_first](size_t first, size_t, auto starts_green) PRISMO_INLINE {
-        return [=](size_t block, V8& row_colour, V8& green, V8& other_colour) PRISMO_INLINE {
+      [&](size_t first, size_t, auto starts_green) PRISMO_INLINE {
+        const ColourRows rows = LoadedRows(lines, below_lines);
+        return [=, green_first = row.role.green_first](size_t block, V8& row_colour, V8& green,
+                                                       V8& other_colour) PRISMO_INLINE {
           const size_t x = first + block * kLanes;
           if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(x, kPrepareNear);
           const bool odd = starts_green != green_first;
           const ColourWords at =
               kLanes == 1 ? ColourWords(rows, x, odd, 0) : ColourWords(rows, first, odd, block);
-          ColourBlock<false>(at, LoadSurroundings(at, FirstSite(starts_green), FirstSite(!starts_green)), 0,
-                             0, {}, starts_green, row_colour, green, other_colour);
+          ColourBlock(at, LoadSurroundings(at, FirstSite(starts_green), FirstSite(!starts_green)),
+                      starts_green, row_colour, green, other_colour);
         };
       },
-      BorderBlocks{lines, below_lines, row});
+      BorderBlocks{lines, below_lines});
 }
 
 constexpr AcpiKernels kKernels = {.split = &Split,

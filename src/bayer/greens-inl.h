@@ -84,9 +84,13 @@ HWY_INLINE Halves SplitBlock(const RowToSplit& row, ptrdiff_t x) {
   return halves;
 }
 
-// The outermost columns, which whole blocks from anywhere on may leave out.
+// The outermost columns, which whole blocks from anywhere on may leave out, and their neighbours outside the
+// frame, for averages: those inside.
 inline void SplitEnds(const RowToSplit& row) {
   const auto [begin, end] = row.columns;
+  if (begin == end) return;
+  row.words[kSplitPitch + begin / 2 - 1] = row.line[begin + 1];
+  row.words[end / 2] = row.line[end - 2];
   if (end - begin >= kSplitColumns) {
     SplitBlock(row, begin);
     SplitBlock(row, end - kSplitColumns);
@@ -230,13 +234,14 @@ class GreenSource {
   // The even columns of row y - 2 + i.
   HWY_INLINE const int16_t* Even(size_t i) const { return even_[i]; }
 
-  // Of sites i to i + kSites - 1; at an edge, if they are not all inner ones.
+  // Blocks that begin before this site but do not end before it, or behind it, are edges.
+  HWY_INLINE ptrdiff_t EdgeSite() const { return ahead_.columns.end / 2; }
+
+  // Of sites i to i + kSites - 1. At the frame's sides they have to be mended.
   HWY_INLINE VSite Block(ptrdiff_t i, bool edge) const { return Block(i, edge, LoadOwnRow<kOdd>(Own(i))); }
   HWY_INLINE VSite Block(ptrdiff_t i, bool edge, const OwnRow& row) const {
-    const DSite d;
     const auto load = [i](const int16_t* from) PRISMO_INLINE { return hn::LoadU(DSite(), from + i); };
     const auto once = [&](const int16_t* from) PRISMO_INLINE { return LoadedOnce(load(from)); };
-    constexpr ptrdiff_t kSame = kOdd ? kSplitPitch : 0;
     const VSite souther = SplitAhead(i, edge);
     const VSite twice = hn::Add(row.own, row.own);
     const VSite north = once(even_[1] + kSame), south = once(even_[3] + kSame);
@@ -244,17 +249,23 @@ class GreenSource {
     const VSite down = hn::Add(north, south), across = hn::Add(west, east);
     const VSite vertical = hn::Sub(twice, hn::Add(load(even_[0] + kSame), souther));
     const VSite horizontal = hn::Sub(twice, hn::Add(row.own_west, row.own_east));
-    VSite g = ClampToByte(Smoother({north, south, vertical, hn::Add(hn::Add(down, down), vertical)},
-                                   {west, east, horizontal, hn::Add(hn::Add(across, across), horizontal)}));
-    if (edge) {
-      // The frame's second columns from the sides, and the outermost ones, along the side.
-      const auto first = static_cast<size_t>(i);
-      const auto cross = OutsideColumns(d, first, bilinear_ ? ColumnRange{0, 0} : ColumnRange{1, last_});
-      const auto side = OutsideColumns(d, first, kOdd ? ColumnRange{0, last_} : ColumnRange{1, last_ + 1});
-      g = hn::IfThenElse(cross, Mean(north, south, west, east), g);
-      g = hn::IfThenElse(side, Mean(north, south), g);
-    }
-    return g;
+    const VSite g =
+        ClampToByte(Smoother({north, south, vertical, hn::Add(hn::Add(down, down), vertical)},
+                             {west, east, horizontal, hn::Add(hn::Add(across, across), horizontal)}));
+    return edge && bilinear_ ? Mean(north, south, west, east) : g;
+  }
+
+  // The sites in the frame's two outermost columns on each side are bilinear: in the outermost ones along the
+  // side.
+  HWY_INLINE void MendSides(ColumnRange columns, int16_t* words) const {
+    const auto mend = [&](size_t i) PRISMO_INLINE {
+      const int16_t *own = even_[2] + i, *west = kOdd ? own : own + kSplitPitch - 1;
+      const int along = even_[1][kSame + i] + even_[3][kSame + i];
+      const bool outermost = i == (kOdd ? last_ : 0);
+      words[i] = static_cast<int16_t>(outermost ? along >> 1 : (along + west[0] + west[1]) >> 2);
+    };
+    if (columns.begin == 0) mend(0);
+    if (columns.end > 2 * last_) mend(last_);
   }
 
   // From now on sites are counted from site i on, where only inner ones follow. With pointers that move no
@@ -263,10 +274,6 @@ class GreenSource {
     for (const int16_t*& row : even_) row = LoadedAlone(row + i);
     ahead_.line = LoadedAlone(ahead_.line + 2 * i);
     ahead_.words = LoadedAlone(ahead_.words + i);
-  }
-
-  HWY_INLINE ColumnRange InnerSites() const {
-    return bilinear_ ? ColumnRange{0, 0} : ColumnRange{1, std::min(last_, ahead_.columns.end / 2)};
   }
 
  private:
@@ -281,6 +288,8 @@ class GreenSource {
     return kOdd ? halves.odd : halves.even;
   }
 
+  static constexpr ptrdiff_t kSame = kOdd ? kSplitPitch : 0;  // from the even columns to the sites'
+
   const int16_t* even_[4];
   RowToSplit ahead_;
   uint32_t last_;
@@ -291,20 +300,19 @@ template <class Source>
 HWY_INLINE void StoreGreens(const Source& source, const BayerRow& row, int16_t* words) {
   ptrdiff_t i = row.columns.begin / 2;
   const ptrdiff_t end = (row.columns.end + 1) / 2;
-  const auto [inner_begin, inner_end] = source.InnerSites();
-  for (; i < end && i < inner_begin; i += kSites) hn::StoreU(source.Block(i, true), DSite(), words + i);
 #if PRISMO_MANY_REGISTERS
   if (simd::CrossingLoadsAreSlow()) {
     CarriedOwnRow<Source::kOddColumns> own(source.Own(i));
-    for (; i < end && i + kSites <= inner_end; i += kSites) {
+    for (; i < end && i + kSites <= source.EdgeSite(); i += kSites) {
       hn::StoreU(source.Block(i, false, own.Next(source.Own(i))), DSite(), words + i);
     }
   }
 #endif
-  for (; i < end && i + kSites <= inner_end; i += kSites) {
+  for (; i < end && i + kSites <= source.EdgeSite(); i += kSites) {
     hn::StoreU(source.Block(i, false), DSite(), words + i);
   }
   for (; i < end; i += kSites) hn::StoreU(source.Block(i, true), DSite(), words + i);
+  source.MendSides(row.columns, words);
 }
 
 #if PRISMO_MANY_REGISTERS
@@ -321,12 +329,12 @@ class GreensInStep {
       : source_(lines, row), words_(words) {
     const ptrdiff_t begin = first + kFirst, behind = begin + static_cast<ptrdiff_t>(blocks) * kSites;
     const ptrdiff_t end = (row.columns.end + 1) / 2;
-    const auto [inner_begin, inner_end] = source_.InnerSites();
     for (ptrdiff_t i = row.columns.begin / 2; i < end;) {
-      hn::StoreU(source_.Block(i, i < inner_begin || i + kSites > inner_end), DSite(), words + i);
+      hn::StoreU(source_.Block(i, i + kSites > source_.EdgeSite()), DSite(), words + i);
       i += kSites;
       if (i >= begin && i < behind) i = behind;
     }
+    source_.MendSides(row.columns, words);
     if (blocks == 0) return;
     left_ = blocks;
     east_ = hn::Set(DSite(), words[begin - 1]);

@@ -55,10 +55,18 @@ HWY_INLINE void MirrorAtEdges(M left_edge, M right_edge, V& west, V& east) {
 }
 
 // Lanes of a block that starts at column x, as a mask: those of columns outside [inner.begin, inner.end).
-template <class D>
+template <Order kOrder = Order::kPixels, class D>
 HWY_INLINE hn::Mask<D> OutsideColumns(D d, size_t x, ColumnRange inner) {
   using T = hn::TFromD<D>;
-  const auto lane = hn::Iota(d, T{0});
+  constexpr size_t kCount = hn::MaxLanes(D());
+  struct Columns {
+    alignas(64) T at[kCount];
+    constexpr Columns() : at{} {
+      for (size_t i = 0; i < kCount; ++i) at[PlaceOf<kOrder>(i)] = static_cast<T>(i);
+    }
+  };
+  static constexpr Columns kColumns;
+  const auto lane = hn::Load(d, kColumns.at);
   const auto limit = [&](size_t column) PRISMO_INLINE {
     return hn::Set(d, static_cast<T>(std::min(column > x ? column - x : 0, kLanes)));
   };
