@@ -118,18 +118,38 @@ HWY_INLINE VI16 ChromaOffset(VI16 chroma, const ChromaRule& rule) {
                          hn::Set(d, rule.offset));
 }
 
+// Words of chroma as GreenOffsetOf takes them. Where products and sums are rounded once, the origin is part
+// of the sum, exactly.
+HWY_INLINE VI16 ChromaForGreen(VI16 chroma) {
+#if HWY_NATIVE_FMA
+  return chroma;
+#else
+  return hn::Sub(chroma, hn::Set(DI16(), 128));
+#endif
+}
+
 // What is subtracted from luma for green: round(0.344 (U - 128) + 0.714 (V - 128)), where the products and
 // their sum are rounded to single precision, which decides the 130 pairs that are halfway between integers:
 // no sum of products alone gives the same. Adding the half of the rounding to one product first, fused or
-// not, does. The arguments are U - 128 and V - 128 in the high halves of their lanes.
+// not, does. The arguments are in the high halves of their lanes.
 HWY_INLINE VI32 GreenOffsetOf(VI32 u_high, VI32 v_high) {
   const hn::RebindToFloat<D32> df;
-  constexpr float kUnit = 1.0F / 65536;
-  const auto u = hn::MulAdd(hn::ConvertTo(df, u_high), hn::Set(df, 0.344F * kUnit), hn::Set(df, 0.5F));
-  const auto v = hn::Mul(hn::ConvertTo(df, v_high), hn::Set(df, 0.714F * kUnit));
-  const auto sum = hn::Add(u, v);
+  constexpr float kUnit = 1.0F / 65536, kU = 0.344F, kV = 0.714F;
+  const auto u = hn::ConvertTo(df, u_high), v = hn::ConvertTo(df, v_high);
+#if HWY_NATIVE_FMA
+  const auto sum = hn::Add(hn::MulAdd(u, hn::Set(df, kU * kUnit), hn::Set(df, 0.5F - 128 * kU)),
+                           hn::MulAdd(v, hn::Set(df, kV * kUnit), hn::Set(df, -128 * kV)));
+#else
+  const auto sum =
+      hn::Add(hn::MulAdd(u, hn::Set(df, kU * kUnit), hn::Set(df, 0.5F)), hn::Mul(v, hn::Set(df, kV * kUnit)));
+#endif
+  // Highway's conversion would take four operations more to limit what does not fit.
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
   return VI32{_mm512_cvt_roundps_epi32(sum.raw, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)};
+#elif HWY_TARGET == HWY_AVX2
+  return VI32{_mm256_cvttps_epi32(hn::Floor(sum).raw)};
+#elif HWY_TARGET == HWY_SSE4
+  return VI32{_mm_cvttps_epi32(hn::Floor(sum).raw)};
 #else
   return hn::ConvertTo(DI32(), hn::Floor(sum));
 #endif
@@ -142,9 +162,25 @@ HWY_INLINE PairOffsets OffsetsOfPairs(VI16 uv) {
   const VI16 blue_red = ApplyChromaRule(uv, EachPair(kBlueRule.origin, kRedRule.origin),
                                         EachPair(kBlueRule.coefficient, kRedRule.coefficient),
                                         EachPair(kBlueRule.offset, kRedRule.offset));
-  const VI32 centred = hn::BitCast(d32, hn::Sub(uv, hn::Set(d16, 128)));
-  const VI32 green = GreenOffsetOf(hn::ShiftLeft<16>(centred), hn::And(centred, hn::Set(d32, -0x10000)));
+  const VI32 pairs = hn::BitCast(d32, ChromaForGreen(uv));
+  const VI32 green = GreenOffsetOf(hn::ShiftLeft<16>(pairs), hn::And(pairs, hn::Set(d32, -0x10000)));
   return {blue_red, hn::BitCast(d16, green), blue_red};
+}
+
+// In each piece of 16 bytes, words made of the bytes kByte(word).
+template <size_t (*kByte)(size_t word)>
+HWY_INLINE VI16 WordsOfBytes(V8 v) {
+  alignas(16) static constexpr auto kIndices = [] {
+    struct {
+      uint8_t at[16];
+    } bytes{};
+    for (size_t word = 0; word < 8; ++word) {
+      bytes.at[2 * word] = static_cast<uint8_t>(kByte(word));
+      bytes.at[2 * word + 1] = 0x80;  // a zero
+    }
+    return bytes;
+  }();
+  return hn::BitCast(DI16(), hn::TableLookupBytesOr0(v, hn::LoadDup128(D8(), kIndices.at)));
 }
 
 // Bytes as words; the halves of each 128-bit block go to one vector each, as ClampToBytes takes them.
@@ -269,17 +305,34 @@ struct Yuv411Source {
     y_odd_blocks = WordsOfBytes<LumaPlace<1> >(first, last);
   }
 #else
-  // Each byte of chroma comes before two of luma.
+  // Of the 24 bytes for a piece of 16 pixels the first and the last 16 are loaded.
+  template <size_t kFirst>
+  static constexpr size_t LumaPlace(size_t word) {
+    constexpr size_t kLuma[4] = {1, 2, 4, 5};
+    return kFirst + word / 4 * 6 + kLuma[word % 4];
+  }
+  static constexpr bool IsOfLast(size_t word) { return word == 4 || word > 5; }
+  static constexpr size_t ChromaPlace(size_t word) { return 3 * word - (IsOfLast(word) ? 8 : 0); }
+
+  static HWY_INLINE hn::Mask<D8> ChromaOfLast() {
+    alignas(16) static constexpr auto kBytes = [] {
+      struct {
+        uint8_t at[16];
+      } bytes{};
+      for (size_t word = 0; word < 8; ++word) {
+        if (IsOfLast(word)) bytes.at[ChromaPlace(word)] = 255;
+      }
+      return bytes;
+    }();
+    return hn::MaskFromVec(hn::LoadDup128(D8(), kBytes.at));
+  }
+
   static HWY_INLINE void LoadGroups(const uint8_t* src, VI16& uv, VI16& y_even_blocks, VI16& y_odd_blocks) {
-    const hn::Half<D8> half;
-    const DI16 d16;
-    hn::Vec<hn::Half<D8> > chroma, luma_even, luma_odd;
-    hn::LoadInterleaved3(half, src, chroma, luma_even, luma_odd);
-    uv = hn::PromoteTo(d16, chroma);
-    const VI16 even = hn::PromoteTo(d16, luma_even);
-    const VI16 odd = hn::PromoteTo(d16, luma_odd);
-    y_even_blocks = hn::InterleaveLower(d16, even, odd);
-    y_odd_blocks = hn::InterleaveUpper(d16, even, odd);
+    const V8 first = LoadPiecesApart<24>(src);
+    const V8 last = LoadPiecesApart<24>(src + 8);
+    uv = WordsOfBytes<ChromaPlace>(hn::IfThenElse(ChromaOfLast(), last, first));
+    y_even_blocks = WordsOfBytes<LumaPlace<0> >(first);
+    y_odd_blocks = WordsOfBytes<LumaPlace<4> >(last);
   }
 #endif
 };
@@ -391,8 +444,8 @@ struct Yuv444Source {
     const DI16 d16;
     const DI32 d32;
     const VI16 zero = hn::Zero(d16);
-    u = hn::Sub(u, hn::Set(d16, 128));
-    v = hn::Sub(v, hn::Set(d16, 128));
+    u = ChromaForGreen(u);
+    v = ChromaForGreen(v);
     const VI32 low = GreenOffsetOf(hn::BitCast(d32, hn::InterleaveLower(d16, zero, u)),
                                    hn::BitCast(d32, hn::InterleaveLower(d16, zero, v)));
     const VI32 high = GreenOffsetOf(hn::BitCast(d32, hn::InterleaveUpper(d16, zero, u)),
