@@ -300,6 +300,53 @@ HWY_INLINE void InnerBlock(const Bytes&, const uint8_t* const (&lines)[3], std::
                            V8& row_colour, V8& green, V8& other_colour) {
   LoadSitePairs<kStartsGreen>(lines).Interpolate(row_colour, green, other_colour);
 }
+
+// Words inside the frame: each lane of a sum is multiplied as averages are, with the factor for its number of
+// samples.
+template <bool kStartsGreen>
+class WordSites {
+ public:
+  HWY_INLINE explicit WordSites(const Words& arithmetic)
+      : row_factor_(AtSites(arithmetic.factor2, arithmetic.factor1)),
+        green_factor_(AtSites(arithmetic.factor1, arithmetic.factor4)),
+        other_factor_(AtSites(arithmetic.factor2, arithmetic.factor4)) {}
+
+  // From samples of the row and sums of those above and below, and of the two beside each of these.
+  HWY_INLINE void Interpolate(V16 own, V16 columns, V16 beside, V16 diagonal, V16& row_colour, V16& green,
+                              V16& other_colour) const {
+    row_colour = hn::Mul(AtSites(beside, own), row_factor_);
+    green = hn::Mul(AtSites(own, hn::Add(beside, columns)), green_factor_);
+    other_colour = hn::Mul(AtSites(columns, diagonal), other_factor_);
+  }
+
+ private:
+  static HWY_INLINE V16 AtSites(V16 green, V16 others) {
+    return AtGreenSites(D16(), kStartsGreen, green, others);
+  }
+
+  const V16 row_factor_, green_factor_, other_factor_;
+};
+
+template <bool kStartsGreen>
+HWY_INLINE void InnerBlock(const Words& arithmetic, const uint16_t* const (&lines)[3],
+                           std::bool_constant<kStartsGreen>, V8& row_colour, V8& green, V8& other_colour) {
+  const WordSites<kStartsGreen> sites(arithmetic);
+  const auto part = [&](size_t lane, V16& r, V16& g, V16& o) PRISMO_INLINE {
+    const auto load = [&](size_t line, ptrdiff_t dx) PRISMO_INLINE {
+      return arithmetic.Load(lines[line] + static_cast<ptrdiff_t>(lane) + dx);
+    };
+    const auto columns = [&](ptrdiff_t dx) PRISMO_INLINE { return hn::Add(load(0, dx), load(2, dx)); };
+    sites.Interpolate(load(1, 0), columns(0), hn::Add(load(1, -1), load(1, 1)),
+                      hn::Add(columns(-1), columns(1)), r, g, o);
+  };
+  V16 r0, g0, o0, r1, g1, o1;
+  part(0, r0, g0, o0);
+  part(kLanes / 2, r1, g1, o1);
+  row_colour = HighBytes(r0, r1);
+  green = HighBytes(g0, g1);
+  other_colour = HighBytes(o0, o1);
+}
+
 #endif
 
 #undef PRISMO_BLOCKS_IN_A_ROW
@@ -413,12 +460,7 @@ template <bool kStartsGreen, Order kOrder>
 class InARow<Words, kStartsGreen, kOrder> {
  public:
   HWY_INLINE InARow(const Words& arithmetic, const uint16_t* up, const uint16_t* mid, const uint16_t* down)
-      : up_(up - kVector),
-        mid_(mid - kVector),
-        down_(down - kVector),
-        row_factor_(AtSites(arithmetic.factor2, arithmetic.factor1)),
-        green_factor_(AtSites(arithmetic.factor1, arithmetic.factor4)),
-        other_factor_(AtSites(arithmetic.factor2, arithmetic.factor4)) {
+      : up_(up - kVector), mid_(mid - kVector), down_(down - kVector), sites_(arithmetic) {
     Load(0);
     Load(1);
     MoveBy(2);
@@ -452,22 +494,13 @@ class InARow<Words, kStartsGreen, kOrder> {
     down_ = LoadedAlone(down_ + vectors * kVector);
   }
 
-  // Sums are multiplied as averages are (see Words), each lane with the factor for its number of samples.
   HWY_INLINE void Interpolate(V16& row_colour, V16& green, V16& other_colour) const {
-    const V16 own = row_.here, columns = columns_.here;
-    const V16 beside = hn::Add(WordsAt<-1>(row_), WordsAt<1>(row_));
-    const V16 diagonal = hn::Add(WordsAt<-1>(columns_), WordsAt<1>(columns_));
-    row_colour = hn::Mul(AtSites(beside, own), row_factor_);
-    green = hn::Mul(AtSites(own, hn::Add(beside, columns)), green_factor_);
-    other_colour = hn::Mul(AtSites(columns, diagonal), other_factor_);
-  }
-
-  static HWY_INLINE V16 AtSites(V16 green, V16 others) {
-    return AtGreenSites(D16(), kStartsGreen, green, others);
+    sites_.Interpolate(row_.here, columns_.here, hn::Add(WordsAt<-1>(row_), WordsAt<1>(row_)),
+                       hn::Add(WordsAt<-1>(columns_), WordsAt<1>(columns_)), row_colour, green, other_colour);
   }
 
   const uint16_t *up_, *mid_, *down_;
-  const V16 row_factor_, green_factor_, other_factor_;
+  const WordSites<kStartsGreen> sites_;
   ThreeVectors row_, columns_;
 };
 
