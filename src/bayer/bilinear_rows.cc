@@ -223,7 +223,7 @@ void StoreAtEdge(const T* const (&lines)[3], size_t x, size_t inside, const RowR
 }
 
 // One block inside the frame.
-template <class A>
+template <Order, class A>
 HWY_INLINE void InnerBlock(const A& arithmetic, const typename A::T* const (&lines)[3], bool starts_green,
                            V8& row_colour, V8& green, V8& other_colour) {
   Block(arithmetic, lines, starts_green, nullptr, row_colour, green, other_colour);
@@ -295,7 +295,7 @@ HWY_INLINE SitePairs<kStartsGreen> LoadSitePairs(const uint8_t* const (&lines)[3
           hn::Add(low_bytes(0, kGreenBeside), low_bytes(2, kGreenBeside))};
 }
 
-template <bool kStartsGreen>
+template <Order, bool kStartsGreen>
 HWY_INLINE void InnerBlock(const Bytes&, const uint8_t* const (&lines)[3], std::bool_constant<kStartsGreen>,
                            V8& row_colour, V8& green, V8& other_colour) {
   LoadSitePairs<kStartsGreen>(lines).Interpolate(row_colour, green, other_colour);
@@ -327,7 +327,7 @@ class WordSites {
   const V16 row_factor_, green_factor_, other_factor_;
 };
 
-template <bool kStartsGreen>
+template <Order kOrder, bool kStartsGreen>
 HWY_INLINE void InnerBlock(const Words& arithmetic, const uint16_t* const (&lines)[3],
                            std::bool_constant<kStartsGreen>, V8& row_colour, V8& green, V8& other_colour) {
   const WordSites<kStartsGreen> sites(arithmetic);
@@ -342,9 +342,9 @@ HWY_INLINE void InnerBlock(const Words& arithmetic, const uint16_t* const (&line
   V16 r0, g0, o0, r1, g1, o1;
   part(0, r0, g0, o0);
   part(kLanes / 2, r1, g1, o1);
-  row_colour = HighBytes(r0, r1);
-  green = HighBytes(g0, g1);
-  other_colour = HighBytes(o0, o1);
+  row_colour = HighBytes<kOrder>(r0, r1);
+  green = HighBytes<kOrder>(g0, g1);
+  other_colour = HighBytes<kOrder>(o0, o1);
 }
 
 #endif
@@ -532,11 +532,17 @@ HWY_INLINE PlanarSink MakeSink<PlanarSink>(const RowTarget& target) {
   return {{target.plane[0], target.plane[1], target.plane[2]}, target.first_column};
 }
 
+// In which order blocks inside the frame have their pixels: what costs least with what the sink does.
+template <class A, class Sink>
+inline constexpr Order kOrderFor = Order::kPixels;
+template <>
+inline constexpr Order kOrderFor<Words, BgraSink> = kAnyOrder ? Order::kPixels : Order::kPacked;
+
 #if PRISMO_BLOCKS_IN_A_ROW
 template <class Sink>
-inline constexpr Order kOrderFor = Order::kAcross;
+inline constexpr Order kOrderInARow = Order::kAcross;
 template <>
-inline constexpr Order kOrderFor<PlanarSink> = Order::kPixels;
+inline constexpr Order kOrderInARow<PlanarSink> = Order::kPixels;
 #endif
 
 template <class A, class Sink, StoreKind kStores>
@@ -565,7 +571,7 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
   const auto cover = [&]() PRISMO_INLINE {
 #if PRISMO_BLOCKS_IN_A_ROW
     if constexpr (!std::is_same_v<A, WideWords>) {
-      constexpr Order kOrder = kOrderFor<Sink>;
+      constexpr Order kOrder = kOrderInARow<Sink>;
       if (row.inside && row.width >= kLanes && simd::CrossingLoadsAreSlow()) {
         return CoverColumns<kStores, true, kOrder>(
             row, inner_columns, sink,
@@ -578,10 +584,13 @@ void Row(const BilinearLines& info, const BayerRow& row, const RowTarget& target
       }
     }
 #endif
-    CoverRow<kStores>(
+    constexpr Order kOrder = kOrderFor<A, Sink>;
+    CoverRow<kStores, kOrder>(
         lines, row, inner_columns, sink,
         [arithmetic](const T* const(&at)[3], auto starts_green, V8& row_colour, V8& green, V8& other_colour)
-            PRISMO_INLINE { InnerBlock(arithmetic, at, starts_green, row_colour, green, other_colour); },
+            PRISMO_INLINE {
+              InnerBlock<kOrder>(arithmetic, at, starts_green, row_colour, green, other_colour);
+            },
         border);
   };
   cover();

@@ -242,14 +242,15 @@ struct WindowedBorder {
 //   border(lines at x, x, starts_green, row_colour, green, other_colour)
 //     on a window
 // The last line, which no row before has read, is read ahead.
-template <StoreKind kStores, typename T, size_t kLines, class Sink, class Inner, class Border>
+template <StoreKind kStores, Order kInnerOrder, typename T, size_t kLines, class Sink, class Inner,
+          class Border>
 HWY_INLINE void CoverRow(const T* const (&lines)[kLines], const BayerRow& row, ColumnRange inner_columns,
                          const Sink& sink, const Inner& inner, const Border& border) {
   struct {
     const T* from[kLines];
   } inner_lines;
   for (size_t i = 0; i < kLines; ++i) inner_lines.from[i] = LoadedAlone(lines[i]);
-  CoverColumns<kStores, true>(
+  CoverColumns<kStores, true, kInnerOrder>(
       row, inner_columns, sink,
       [=](size_t first, size_t, auto starts_green) PRISMO_INLINE {
         return [=](size_t block, V8& row_colour, V8& green, V8& other_colour) PRISMO_INLINE {

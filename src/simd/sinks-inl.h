@@ -58,7 +58,8 @@ HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& 
       uint32_t index[kLanes / 4];
     } t{};
     for (size_t lane = 0; lane < kQuads; ++lane)
-      for (size_t j = 0; j < 4; ++j) t.index[4 * lane + j] = static_cast<uint32_t>(kQuads * j + lane);
+      for (size_t j = 0; j < 4; ++j)
+        t.index[4 * lane + j] = static_cast<uint32_t>(PlaceOf<kOrder>(4 * (kQuads * j + lane)) / 4);
     return t;
   }();
   const auto transpose = hn::SetTableIndices(d32, kTranspose.index);

@@ -39,10 +39,11 @@ using VI32 = hn::Vec<DI32>;
 inline constexpr size_t kLanes = HWY_MAX_BYTES == 1 ? 1 : hn::MaxLanes(D8());
 
 // Where the pixels of a block stand in the vectors that a sink is given: one after the other, or in each
-// 128-bit lane first those at even places, then those at odd ones, as packing leaves them, or in each 32-bit
-// lane four that are a quarter of the block apart, or in each 128-bit lane four neighbours of each quarter,
-// as interleaving takes them.
-enum class Order { kPixels, kHalves, kFromQuarters, kAcross };
+// 128-bit lane first those at even places, then those at odd ones, as packing leaves them, or eight of each
+// half of the block, as packing leaves two vectors of neighbours, or in each 32-bit lane four that are a
+// quarter of the block apart, or in each 128-bit lane four neighbours of each quarter, as interleaving takes
+// them.
+enum class Order { kPixels, kHalves, kPacked, kFromQuarters, kAcross };
 
 // The byte that holds a pixel.
 template <Order kOrder>
@@ -53,6 +54,8 @@ constexpr size_t PlaceOf(size_t pixel) {
       return pixel;
     case Order::kHalves:
       return pixel / 16 * 16 + pixel % 2 * 8 + pixel % 16 / 2;
+    case Order::kPacked:
+      return pixel % (2 * kQuarter) / 8 * 16 + pixel / (2 * kQuarter) * 8 + pixel % 8;
     case Order::kFromQuarters:
       return pixel % kQuarter * 4 + pixel / kQuarter;
     case Order::kAcross:
@@ -68,11 +71,27 @@ inline constexpr bool kAnyOrder = false;
 #endif
 constexpr Order CheapOrder(Order order) { return kAnyOrder ? order : Order::kPixels; }
 
-// One byte of each 16-bit lane.
 #if HWY_TARGET == HWY_SCALAR
 inline constexpr size_t kWordVectors = 1;  // vectors of words for one vector of bytes
 #else
 inline constexpr size_t kWordVectors = 2;
+
+// The words of two vectors as bytes, clamped to 0 to 255. The 128-bit blocks of the arguments alternate in
+// the result.
+HWY_INLINE V8 ClampToBytes(VI16 even_blocks, VI16 odd_blocks) {
+#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
+  return V8{_mm512_packus_epi16(even_blocks.raw, odd_blocks.raw)};
+#elif HWY_TARGET == HWY_AVX2
+  return V8{_mm256_packus_epi16(even_blocks.raw, odd_blocks.raw)};
+#elif HWY_ARCH_X86
+  return V8{_mm_packus_epi16(even_blocks.raw, odd_blocks.raw)};
+#else
+  const hn::Half<D8> half;
+  return hn::Combine(D8(), hn::DemoteTo(half, odd_blocks), hn::DemoteTo(half, even_blocks));
+#endif
+}
+
+// One byte of each 16-bit lane.
 #if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
 template <size_t kFirst, Order kOrder>
 HWY_INLINE V8 EverySecondByte(V16 low, V16 high) {
@@ -97,25 +116,18 @@ HWY_INLINE V8 HighBytes(V16 low, V16 high) {
 HWY_INLINE V8 LowBytes(V16 low, V16 high) {
   return hn::ConcatEven(D8(), hn::BitCast(D8(), high), hn::BitCast(D8(), low));
 }
+template <Order kOrder = Order::kPixels>
 HWY_INLINE V8 HighBytes(V16 low, V16 high) {
+  static_assert(kOrder == Order::kPixels || kOrder == Order::kPacked);
+#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX2
+  if constexpr (kOrder == Order::kPacked) {
+    return ClampToBytes(hn::BitCast(DI16(), hn::ShiftRight<8>(low)),
+                        hn::BitCast(DI16(), hn::ShiftRight<8>(high)));
+  }
+#endif
   return hn::ConcatOdd(D8(), hn::BitCast(D8(), high), hn::BitCast(D8(), low));
 }
 #endif
-
-// The words of two vectors as bytes, clamped to 0 to 255. The 128-bit blocks of the arguments alternate in
-// the result.
-HWY_INLINE V8 ClampToBytes(VI16 even_blocks, VI16 odd_blocks) {
-#if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
-  return V8{_mm512_packus_epi16(even_blocks.raw, odd_blocks.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return V8{_mm256_packus_epi16(even_blocks.raw, odd_blocks.raw)};
-#elif HWY_ARCH_X86
-  return V8{_mm_packus_epi16(even_blocks.raw, odd_blocks.raw)};
-#else
-  const hn::Half<D8> half;
-  return hn::Combine(D8(), hn::DemoteTo(half, odd_blocks), hn::DemoteTo(half, even_blocks));
-#endif
-}
 #endif
 
 // A pointer or number that is loaded alone. Compilers like to load neighbours as one vector; where they were
