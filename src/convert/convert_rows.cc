@@ -88,7 +88,11 @@ struct Block {
       source.template Convert<kStores>(src, sink);
     } else {
       V8 b, g, r;
-      source.Load(src, b, g, r);
+      if constexpr (Source::kArithmetic) {
+        source.Finish(source.Begin(src), b, g, r);
+      } else {
+        source.Load(src, b, g, r);
+      }
       sink.template Store<kStores>(0, b, g, r);
     }
   }
@@ -132,12 +136,43 @@ HWY_INLINE void StreamLines(const Source& source, const uint8_t* src, const Sink
   }
 }
 
+// The whole blocks of a source with arithmetic from pixel x to `end`. Each is begun before the one in front
+// of it is finished: what waits for results fills the queues in front of the vector pipes long before these
+// are busy (0.78 to 0.97 of the time). Returns the pixel behind them.
+template <StoreKind kStores, class Source, class Sink, class Prepare>
+HWY_INLINE size_t ConvertInStep(const Source& source, const Sink& sink, const uint8_t* src, size_t x,
+                                size_t end, const Prepare& prepare) {
+  constexpr size_t kBlock = Source::kBlockPixels;
+  if (x + kBlock > end) return x;
+  const auto begin = [&](size_t at) PRISMO_INLINE { return source.Begin(src + Source::kGroup.Bytes(at)); };
+  const auto finish = [&](const auto& block) PRISMO_INLINE {
+    prepare(x);
+    V8 b, g, r;
+    source.Finish(block, b, g, r);
+    At(sink, x).template Store<kStores>(0, b, g, r);
+    x += kBlock;
+  };
+  auto next = begin(x);
+  while (x + 2 * kBlock <= end) {
+    const auto block = next;
+    next = begin(x + kBlock);
+    finish(block);
+  }
+  finish(next);
+  return x;
+}
+
 template <class Source, class Sink, StoreKind kStores>
 HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src, size_t pixels) {
   using ThisBlock = Block<Source, Sink>;
+  constexpr bool kInStep = Source::kArithmetic && kLanes > 1;
   const auto plain = [&](size_t x, size_t end) PRISMO_INLINE {
+    const auto prepare = [&](size_t at) PRISMO_INLINE {
+      if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(at);
+    };
+    if constexpr (kInStep) x = ConvertInStep<StoreKind::kCached>(source, sink, src, x, end, prepare);
     for (; x + Source::kBlockPixels <= end; x += Source::kBlockPixels) {
-      if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(x);
+      prepare(x);
       ThisBlock::template Convert<StoreKind::kCached>(source, src + Source::kGroup.Bytes(x), At(sink, x));
     }
     if (x == end) return;
@@ -173,16 +208,22 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
     plain(0, x);
     const size_t blocks = (pixels - x) / kStreamPixels;
     constexpr size_t kInBytes = Source::kGroup.Bytes(kStreamPixels);
-    const auto block = [&](size_t i, size_t ahead) PRISMO_INLINE {
-      const size_t first = x + i * kStreamPixels;
-      const uint8_t* const from = src + Source::kGroup.Bytes(first);
-      for (size_t byte = 0; byte < kInBytes; byte += kCacheLine) hwy::Prefetch(from + byte + ahead);
-      StreamLines<Source, Sink>(source, from, At(sink, first));
+    const auto fetch = [&](size_t first, size_t bytes, size_t ahead) PRISMO_INLINE {
+      const uint8_t* const from = src + Source::kGroup.Bytes(first) + ahead;
+      for (size_t byte = 0; byte < bytes; byte += kCacheLine) hwy::Prefetch(from + byte);
     };
-    if constexpr (Source::kArithmetic) {  // more of it than of reading
-      for (size_t i = 0; i < blocks; ++i) block(i, kPrefetchBytes);
+    if constexpr (kInStep) {
+      constexpr size_t kBlockBytes = Source::kGroup.Bytes(Source::kBlockPixels);
+      ConvertInStep<StoreKind::kStreaming>(source, sink, src, x, x + blocks * kStreamPixels,
+                                           [&](size_t at)
+                                               PRISMO_INLINE { fetch(at, kBlockBytes, kPrefetchBytes); });
     } else {
-      AtSeveralPlaces<kInBytes, kStreamPixels * kSinkBytes<Sink>>(blocks, block);
+      AtSeveralPlaces<kInBytes, kStreamPixels * kSinkBytes<Sink>>(
+          blocks, [&](size_t i, size_t ahead) PRISMO_INLINE {
+            const size_t first = x + i * kStreamPixels;
+            fetch(first, kInBytes, ahead);
+            StreamLines<Source, Sink>(source, src + Source::kGroup.Bytes(first), At(sink, first));
+          });
     }
     x += blocks * kStreamPixels;
     plain(x, pixels);

@@ -267,6 +267,8 @@ HWY_INLINE VI16 WordsOfBytes(V8 v0, V8 v1) {
 }
 #endif
 
+// Sources begin a block and finish it, so that another one can be begun in between.
+
 // U Y0 Y1 V Y2 Y3.
 struct Yuv411Source {
   static constexpr bool kArithmetic = true;
@@ -274,11 +276,18 @@ struct Yuv411Source {
   static constexpr PixelGroup kGroup = GroupOf(prismo::Source::kYuv411);
   explicit Yuv411Source(uint32_t) {}
 
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
+  struct Begun {
+    VI16 y_even_blocks, y_odd_blocks;
+    PairOffsets offsets;
+  };
+  HWY_INLINE Begun Begin(const uint8_t* src) const {
     VI16 uv, y_even_blocks, y_odd_blocks;
     LoadGroups(src, uv, y_even_blocks, y_odd_blocks);
-    const PairOffsets offsets = OffsetsOfPairs(uv);
-    Clamp(AddPairOffsets<0, 4>(y_even_blocks, offsets), AddPairOffsets<2, 4>(y_odd_blocks, offsets), b, g, r);
+    return {y_even_blocks, y_odd_blocks, OffsetsOfPairs(uv)};
+  }
+  HWY_INLINE void Finish(const Begun& begun, V8& b, V8& g, V8& r) const {
+    Clamp(AddPairOffsets<0, 4>(begun.y_even_blocks, begun.offsets),
+          AddPairOffsets<2, 4>(begun.y_odd_blocks, begun.offsets), b, g, r);
   }
 
  private:
@@ -344,17 +353,26 @@ struct Yuv422Source {
   static constexpr PixelGroup kGroup = GroupOf(prismo::Source::kYuv422);
   explicit Yuv422Source(uint32_t) {}
 
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
+  struct Begun {
+    V16 even_blocks, odd_blocks;
+    PairOffsets even_offsets, odd_offsets;
+  };
+  HWY_INLINE Begun Begin(const uint8_t* src) const {
     V16 even_blocks, odd_blocks;
     SplitBlocks(LoadWords(src), LoadWords(src + kLanes), even_blocks, odd_blocks);
-    Clamp(Channels(even_blocks), Channels(odd_blocks), b, g, r);
+    return {even_blocks, odd_blocks, Offsets(even_blocks), Offsets(odd_blocks)};
+  }
+  HWY_INLINE void Finish(const Begun& begun, V8& b, V8& g, V8& r) const {
+    Clamp(Channels(begun.even_blocks, begun.even_offsets), Channels(begun.odd_blocks, begun.odd_offsets), b,
+          g, r);
   }
 
  private:
-  static HWY_INLINE WideChannels Channels(V16 words) {
-    const DI16 d16;
-    const VI16 uv = hn::BitCast(d16, hn::And(words, hn::Set(D16(), 0xFF)));
-    return AddPairOffsets<0, 2>(hn::BitCast(d16, hn::ShiftRight<8>(words)), OffsetsOfPairs(uv));
+  static HWY_INLINE PairOffsets Offsets(V16 words) {
+    return OffsetsOfPairs(hn::BitCast(DI16(), hn::And(words, hn::Set(D16(), 0xFF))));
+  }
+  static HWY_INLINE WideChannels Channels(V16 words, const PairOffsets& offsets) {
+    return AddPairOffsets<0, 2>(hn::BitCast(DI16(), hn::ShiftRight<8>(words)), offsets);
   }
 
   // Two vectors that follow each other as ClampToBytes takes them.
@@ -384,10 +402,20 @@ struct Yuv444Source {
   explicit Yuv444Source(uint32_t) {}
 
 #if PRISMO_BYTE_PERMUTES
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
+  struct Begun {
+    V8 b, g, r;
+  };
+  HWY_INLINE Begun Begin(const uint8_t* src) const {
     V8 v[4];
     for (size_t i = 0; i < 4; ++i) v[i] = LoadedOnce(hn::LoadU(D8(), src + TripleQuarters::kStart[i]));
-    Clamp(Channels<0>(v[0], v[1]), Channels<1>(v[2], v[3]), b, g, r);
+    Begun begun;
+    Clamp(Channels<0>(v[0], v[1]), Channels<1>(v[2], v[3]), begun.b, begun.g, begun.r);
+    return begun;
+  }
+  HWY_INLINE void Finish(const Begun& begun, V8& b, V8& g, V8& r) const {
+    b = begun.b;
+    g = begun.g;
+    r = begun.r;
   }
 
  private:
@@ -427,9 +455,16 @@ struct Yuv444Source {
     return VI16{_mm512_permutex2var_epi16(low.raw, _mm512_load_si512(kIndices.index), high.raw)};
   }
 #else
-  HWY_INLINE void Load(const uint8_t* src, V8& b, V8& g, V8& r) const {
+  struct Begun {
     V8 u, y, v;
-    LoadThreeChannels(src, u, y, v);
+  };
+  HWY_INLINE Begun Begin(const uint8_t* src) const {
+    Begun begun;
+    LoadThreeChannels(src, begun.u, begun.y, begun.v);
+    return begun;
+  }
+  HWY_INLINE void Finish(const Begun& begun, V8& b, V8& g, V8& r) const {
+    const auto [u, y, v] = begun;
     Clamp(Channels(WordsOfLowerHalves(u), WordsOfLowerHalves(y), WordsOfLowerHalves(v)),
           Channels(WordsOfUpperHalves(u), WordsOfUpperHalves(y), WordsOfUpperHalves(v)), b, g, r);
   }
