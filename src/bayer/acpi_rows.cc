@@ -51,7 +51,7 @@ HWY_INLINE V8 HalvesToPixels(V8 halves) {
 }
 HWY_INLINE V8 Alternate(VSite first, VSite second) {
   const V8 halves = ClampToBytes(first, second);
-  return kAnyOrder ? halves : HalvesToPixels(halves);
+  return kBytePermutes ? halves : HalvesToPixels(halves);
 }
 #else
 HWY_INLINE V8 Alternate(VSite first, VSite second) {

@@ -350,7 +350,7 @@ HWY_INLINE void InnerBlock(const Words& arithmetic, const uint16_t* const (&line
 #endif
 
 #undef PRISMO_BLOCKS_IN_A_ROW
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
 #define PRISMO_BLOCKS_IN_A_ROW 1
 
 // Blocks inside the frame, one after the other: each sample is loaded once instead of three times, as most of
@@ -536,7 +536,7 @@ HWY_INLINE PlanarSink MakeSink<PlanarSink>(const RowTarget& target) {
 template <class A, class Sink>
 inline constexpr Order kOrderFor = Order::kPixels;
 template <>
-inline constexpr Order kOrderFor<Words, BgraSink> = kAnyOrder ? Order::kPixels : Order::kPacked;
+inline constexpr Order kOrderFor<Words, BgraSink> = kBytePermutes ? Order::kPixels : Order::kPacked;
 
 #if PRISMO_BLOCKS_IN_A_ROW
 template <class Sink>

@@ -14,11 +14,6 @@
 #include "simd/samples-inl.h"
 #include "simd/sinks-inl.h"
 
-// Targets that permute bytes across a whole vector: conversions that only move bytes do it directly there.
-// They also add products of words (VNNI), for YUV.
-#undef PRISMO_BYTE_PERMUTES
-#define PRISMO_BYTE_PERMUTES (HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL)
-
 HWY_BEFORE_NAMESPACE();
 namespace prismo::HWY_NAMESPACE {
 

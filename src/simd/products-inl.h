@@ -18,7 +18,7 @@ HWY_INLINE VI32 PairWeights(int low, int high) { return hn::Set(DI32(), (low & 0
 
 // Adds the sums of the products of neighbouring words.
 HWY_INLINE VI32 AddWeighedPairs(VI32 sum, VI16 v, int low, int high) {
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL
+#if PRISMO_BYTE_PERMUTES
   // The target has the instruction, GCC is not told so.
   asm("vpdpwssd %2, %1, %0" : "+v"(sum.raw) : "v"(v.raw), "v"(PairWeights(low, high).raw));
   return sum;

@@ -32,7 +32,7 @@ HWY_INLINE void Rearrange(uint8_t* to, const uint8_t* from) {
 #else
 
 // Bytes that one lookup moves anywhere among each other.
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
 inline constexpr size_t kReach = 64;
 #else
 inline constexpr size_t kReach = kPiece;
@@ -99,7 +99,7 @@ HWY_INLINE V8 Rearranged(const uint8_t* from) {
   constexpr bool kMore = std::any_of(kPlan.sources + kFirst, kPlan.sources + kFirst + kCount,
                                      [](size_t sources) { return sources > kSource + 1; });
   const V8 index = hn::Load(D8(), kPlan.index[kSource] + kVector * kLanes);
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
   const V8 loaded = hn::LoadU(D8(), from + kPlan.place[kSource][kFirst]);
   const V8 source = kPlan.sources[kFirst] > 1 ? LoadedOnce(loaded) : loaded;  // others share it
   constexpr uint64_t here = kPlan.HereMask(kSource, kVector);
@@ -121,7 +121,7 @@ HWY_INLINE V8 Rearranged(const uint8_t* from) {
 #endif
 }
 
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
 // Stored at the end: for all the compiler knows, what is stored changes what is loaded, and a vector that
 // several others share would be loaded for each (left-right mirrors of three bytes, from anywhere: 1.6
 // times).

@@ -35,7 +35,7 @@ template <Order kOrder>
 HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& v3) {
   const D8 d8;
   const D16 d16;
-#if HWY_TARGET <= HWY_AVX3_DL
+#if PRISMO_BYTE_PERMUTES
   if constexpr (kOrder != Order::kAcross) {
     alignas(64) static constexpr auto kTranspose = [] {
       struct {
@@ -78,7 +78,7 @@ HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& 
 }
 
 // Bytes B0 G0 R0 B1 ... of one block, as three vectors.
-#if HWY_TARGET <= HWY_AVX3_DL
+#if PRISMO_BYTE_PERMUTES
 template <Order kOrder>
 struct Interleave3Indices {
   alignas(64) uint8_t index[3][64];
@@ -175,7 +175,7 @@ HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
   v2 = c2;
 #endif
 }
-#endif  // HWY_AVX3_DL
+#endif  // PRISMO_BYTE_PERMUTES
 #endif  // PRISMO_OWN_INTERLEAVE
 
 // A packed picture. Store writes one block from pixel x on; streaming stores need it aligned there.

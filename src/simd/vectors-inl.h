@@ -63,13 +63,12 @@ constexpr size_t PlaceOf(size_t pixel) {
   }
 }
 
-// Byte permutes across a whole block take pixels from anywhere at no extra cost.
-#if HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL
-inline constexpr bool kAnyOrder = true;
-#else
-inline constexpr bool kAnyOrder = false;
-#endif
-constexpr Order CheapOrder(Order order) { return kAnyOrder ? order : Order::kPixels; }
+// Permutes of bytes across whole vectors, which come with sums of products: they take pixels from anywhere at
+// no extra cost.
+#undef PRISMO_BYTE_PERMUTES
+#define PRISMO_BYTE_PERMUTES (HWY_ARCH_X86 && HWY_TARGET <= HWY_AVX3_DL)
+inline constexpr bool kBytePermutes = PRISMO_BYTE_PERMUTES;
+constexpr Order CheapOrder(Order order) { return kBytePermutes ? order : Order::kPixels; }
 
 #if HWY_TARGET == HWY_SCALAR
 inline constexpr size_t kWordVectors = 1;  // vectors of words for one vector of bytes
@@ -92,7 +91,7 @@ HWY_INLINE V8 ClampToBytes(VI16 even_blocks, VI16 odd_blocks) {
 }
 
 // One byte of each 16-bit lane.
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
 template <size_t kFirst, Order kOrder>
 HWY_INLINE V8 EverySecondByte(V16 low, V16 high) {
   alignas(64) static constexpr auto kIndices = [] {

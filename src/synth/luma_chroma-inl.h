@@ -162,7 +162,7 @@ HWY_INLINE uint64_t BitsOf(const MI32 (&masks)[kVectors]) {
 HWY_INLINE VI32 AsQuotient(VI32 byte) { return hn::ShiftLeft<kFractionBits>(byte); }
 
 // Two to four quotients as bytes 0 to 3 of their lane.
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
 // The eight bits of a quotient for each byte that the mask picks out of its 32-bit lane.
 HWY_INLINE V32 AddQuotientByte(V32 bytes, __mmask64 mask, VI32 quotient) {
   const __m512i bits =
@@ -360,7 +360,7 @@ inline constexpr int kBelowLowerU = 192;
 static_assert(std::none_of(kLowerUBelow.blue, kLowerUBelow.blue + kBelowLowerU + 1,
                            [](int blue) { return blue != 0; }));
 
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
 // 1 where U of a pixel lies lower if it is whole: less that, sums have the quotients that doubles give, as
 // other sums are not affected.
 HWY_INLINE VI32 LowerU(const Samples& pixels) {
@@ -399,7 +399,7 @@ HWY_INLINE VI32 CloserU(VI32 u, const Samples& sums) {
 // several pixels are rarely whole but where these are grey, whose lumas are doubted, too.
 template <int kPixels, Look kLook, size_t kVectors, class PixelOf>
 HWY_INLINE Doubt ChromaU(const Samples (&sums)[kVectors], VI32 (&u)[kVectors], const PixelOf& pixel_of) {
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
   if constexpr (kPixels == 1) {
 #pragma GCC unroll 4
     for (size_t i = 0; i < kVectors; ++i) u[i] = Divide<1000, kUWeights<1>>(sums[i], LowerU(sums[i]));

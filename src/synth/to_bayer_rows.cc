@@ -17,7 +17,7 @@ namespace {
 
 #if HWY_TARGET != HWY_SCALAR
 
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
 inline constexpr size_t kReach = 64;  // bytes from which one byte of the output can come in a lookup
 #else
 inline constexpr size_t kReach = kPiece;
@@ -43,7 +43,7 @@ class Picker {
   }
 
   HWY_INLINE V8 Pick(const uint8_t* from) const {
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
     V8 picked = hn::Zero(D8());
     for (size_t part = 0; part < kSamples; ++part) {
       const __m512i index = _mm512_load_si512(index_[part]);
@@ -59,7 +59,7 @@ class Picker {
   }
 
  private:
-#if !(HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86)
+#if !PRISMO_BYTE_PERMUTES
   template <size_t kPart>
   HWY_INLINE V8 Lookup(const uint8_t* from) const {
     const V8 part = LoadPiecesApart<kSamples * kPiece>(from + kPart * kPiece);

@@ -246,7 +246,7 @@ struct PixelsFrom {
   }
 };
 
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
 
 HWY_INLINE V8 InPixelOrder(V32 four_vectors) {
   alignas(64) static constexpr auto kPlaces = [] {
@@ -309,7 +309,7 @@ struct Made {
 
 // The first of two steps is looked at when both are made: the processor would find less to do while it waits
 // for the answer (0.92 to 0.98 of the time; nothing without byte permutes, 1.05 with 16 registers).
-inline constexpr size_t kStepsTogether = kAnyOrder ? 2 : 1;
+inline constexpr size_t kStepsTogether = kBytePermutes ? 2 : 1;
 
 // A target that is made in steps. It has
 //   Make<kStep, kLook>(from)     a step of the block that starts at `from`
@@ -408,7 +408,7 @@ template <size_t kPixelBytes, size_t kTogether = kStepsTogether>
 struct ToYuv444 : SteppedTarget<ToYuv444<kPixelBytes, kTogether>, kTogether, kPixelBytes, 1, 3> {
   using InSingleSteps = ToYuv444<kPixelBytes, 1>;
   using PixelOf = PixelsFrom<kPixelBytes>;
-  static constexpr size_t kVectors = kAnyOrder ? 4 : 3;
+  static constexpr size_t kVectors = kBytePermutes ? 4 : 3;
 
   template <size_t kStep, Look kLook>
   static HWY_INLINE Made<1, kVectors> Make(const uint8_t* from) {
@@ -418,7 +418,7 @@ struct ToYuv444 : SteppedTarget<ToYuv444<kPixelBytes, kTogether>, kTogether, kPi
     const uint64_t whole = Luma<kLook>(samples, luma);
     const Doubt of_u = ChromaU<1, kLook>(samples, u, PixelOf{from + kPixelBytes * kLanes * kStep});
     ChromaV<1>(samples, v);
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
     const auto lanes = [&](size_t i)
                            PRISMO_INLINE { return hn::BitCast(D8(), QuotientBytes(u[i], luma[i], v[i])); };
     return {{whole}, of_u, { lanes(0), lanes(1), lanes(2), lanes(3) }};
@@ -429,7 +429,7 @@ struct ToYuv444 : SteppedTarget<ToYuv444<kPixelBytes, kTogether>, kTogether, kPi
 
   template <StoreKind kStores>
   static HWY_INLINE void Store(uint8_t* to, const V8 (&vectors)[kVectors]) {
-#if HWY_TARGET <= HWY_AVX3_DL && HWY_ARCH_X86
+#if PRISMO_BYTE_PERMUTES
     StoreTriples<kStores>(to, vectors);
 #else
     BgrSink{to}.Store<kStores>(0, vectors[0], vectors[1], vectors[2]);
