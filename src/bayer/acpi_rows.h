@@ -27,8 +27,8 @@ inline constexpr uint32_t kSplitPitch = (kStripColumns + 3 * kBlockColumns) / 2 
 // odd ones: column x is [x / 2] of its words. A vector then holds sites of one kind, and their neighbours are
 // vectors, too. Greens of a row's sites are kept in a single row, those of site x at [x / 2].
 
-// A row of a frame that is to be split: an even range of columns, of at least one pair. What lies `next_row`
-// bytes further is read ahead.
+// A row of a frame that is to be split: an even range of columns. A word in front of the odd ones and one
+// behind the even ones repeat the outermost. What lies `next_row` bytes further is read ahead.
 struct RowToSplit {
   const uint8_t* line;  // from column 0
   ColumnRange columns;

@@ -223,9 +223,10 @@ void StoreAtEdge(const T* const (&lines)[3], size_t x, size_t inside, const RowR
 }
 
 // One block inside the frame.
-template <Order, class A>
+template <Order kOrder, class A>
 HWY_INLINE void InnerBlock(const A& arithmetic, const typename A::T* const (&lines)[3], bool starts_green,
                            V8& row_colour, V8& green, V8& other_colour) {
+  static_assert(kOrder == Order::kPixels);
   Block(arithmetic, lines, starts_green, nullptr, row_colour, green, other_colour);
 }
 
@@ -295,9 +296,10 @@ HWY_INLINE SitePairs<kStartsGreen> LoadSitePairs(const uint8_t* const (&lines)[3
           hn::Add(low_bytes(0, kGreenBeside), low_bytes(2, kGreenBeside))};
 }
 
-template <Order, bool kStartsGreen>
+template <Order kOrder, bool kStartsGreen>
 HWY_INLINE void InnerBlock(const Bytes&, const uint8_t* const (&lines)[3], std::bool_constant<kStartsGreen>,
                            V8& row_colour, V8& green, V8& other_colour) {
+  static_assert(kOrder == Order::kPixels);
   LoadSitePairs<kStartsGreen>(lines).Interpolate(row_colour, green, other_colour);
 }
 
@@ -534,9 +536,9 @@ HWY_INLINE PlanarSink MakeSink<PlanarSink>(const RowTarget& target) {
 
 // In which order blocks inside the frame have their pixels: what costs least with what the sink does.
 template <class A, class Sink>
-inline constexpr Order kOrderFor = Order::kPixels;
-template <>
-inline constexpr Order kOrderFor<Words, BgraSink> = kBytePermutes ? Order::kPixels : Order::kPacked;
+inline constexpr Order kOrderFor =
+    std::is_same_v<A, Words>&& std::is_same_v<Sink, BgraSink> && !kBytePermutes ? Order::kPacked
+                                                                                : Order::kPixels;
 
 #if PRISMO_BLOCKS_IN_A_ROW
 template <class Sink>

@@ -6,7 +6,6 @@
 #define PRISMO_BAYER_GREENS_INL_H_
 #endif
 
-#include <algorithm>
 #include <cstddef>
 
 #include "bayer/acpi_rows.h"
@@ -84,8 +83,8 @@ HWY_INLINE Halves SplitBlock(const RowToSplit& row, ptrdiff_t x) {
   return halves;
 }
 
-// The outermost columns, which whole blocks from anywhere on may leave out, and their neighbours outside the
-// frame, for averages: those inside.
+// The outermost columns, which whole blocks from anywhere on may leave out, and a word beside each end: what
+// is outside the frame there has the samples of the neighbours inside, for averages.
 inline void SplitEnds(const RowToSplit& row) {
   const auto [begin, end] = row.columns;
   if (begin == end) return;
@@ -234,10 +233,10 @@ class GreenSource {
   // The even columns of row y - 2 + i.
   HWY_INLINE const int16_t* Even(size_t i) const { return even_[i]; }
 
-  // Blocks that begin before this site but do not end before it, or behind it, are edges.
-  HWY_INLINE ptrdiff_t EdgeSite() const { return ahead_.columns.end / 2; }
+  // Whether the block from site i on is more than row y + 2 has, which has nothing for bilinear rows.
+  HWY_INLINE bool IsEdge(ptrdiff_t i) const { return i + kSites > ahead_.columns.end / 2; }
 
-  // Of sites i to i + kSites - 1. At the frame's sides they have to be mended.
+  // Of sites i to i + kSites - 1, if IsEdge(i) is `edge`. At the frame's sides they have to be mended.
   HWY_INLINE VSite Block(ptrdiff_t i, bool edge) const { return Block(i, edge, LoadOwnRow<kOdd>(Own(i))); }
   HWY_INLINE VSite Block(ptrdiff_t i, bool edge, const OwnRow& row) const {
     const auto load = [i](const int16_t* from) PRISMO_INLINE { return hn::LoadU(DSite(), from + i); };
@@ -259,12 +258,12 @@ class GreenSource {
   // side.
   HWY_INLINE void MendSides(ColumnRange columns, int16_t* words) const {
     const auto mend = [&](size_t i) PRISMO_INLINE {
-      const int16_t *own = even_[2] + i, *west = kOdd ? own : own + kSplitPitch - 1;
+      const int16_t* const west = even_[2] + i + (kOdd ? 0 : kSplitPitch - 1);
       const int along = even_[1][kSame + i] + even_[3][kSame + i];
       const bool outermost = i == (kOdd ? last_ : 0);
       words[i] = static_cast<int16_t>(outermost ? along >> 1 : (along + west[0] + west[1]) >> 2);
     };
-    if (columns.begin == 0) mend(0);
+    if (columns.begin <= 1) mend(0);
     if (columns.end > 2 * last_) mend(last_);
   }
 
@@ -277,18 +276,15 @@ class GreenSource {
   }
 
  private:
+  static constexpr ptrdiff_t kSame = kOdd ? kSplitPitch : 0;  // from the even columns to the sites'
+
   // Splits row y + 2 in passing: beside the stores of pixels that are under way, its own would fill the
-  // queue. Returns its sites. At an edge some of them lie where nothing is to be split.
+  // queue. Returns its sites. At an edge SplitEnds has done it.
   HWY_INLINE VSite SplitAhead(ptrdiff_t i, bool edge) const {
-    const ptrdiff_t begin = ahead_.columns.begin, end = ahead_.columns.end;
-    if (edge && (2 * i < begin || 2 * i + kSplitColumns > end)) {
-      return hn::LoadU(DSite(), ahead_.words + (kOdd ? kSplitPitch : 0) + i);
-    }
+    if (edge) return hn::LoadU(DSite(), ahead_.words + kSame + i);
     const Halves halves = SplitBlock(ahead_, 2 * i);
     return kOdd ? halves.odd : halves.even;
   }
-
-  static constexpr ptrdiff_t kSame = kOdd ? kSplitPitch : 0;  // from the even columns to the sites'
 
   const int16_t* even_[4];
   RowToSplit ahead_;
@@ -303,12 +299,12 @@ HWY_INLINE void StoreGreens(const Source& source, const BayerRow& row, int16_t* 
 #if PRISMO_MANY_REGISTERS
   if (simd::CrossingLoadsAreSlow()) {
     CarriedOwnRow<Source::kOddColumns> own(source.Own(i));
-    for (; i < end && i + kSites <= source.EdgeSite(); i += kSites) {
+    for (; i < end && !source.IsEdge(i); i += kSites) {
       hn::StoreU(source.Block(i, false, own.Next(source.Own(i))), DSite(), words + i);
     }
   }
 #endif
-  for (; i < end && i + kSites <= source.EdgeSite(); i += kSites) {
+  for (; i < end && !source.IsEdge(i); i += kSites) {
     hn::StoreU(source.Block(i, false), DSite(), words + i);
   }
   for (; i < end; i += kSites) hn::StoreU(source.Block(i, true), DSite(), words + i);
@@ -330,7 +326,7 @@ class GreensInStep {
     const ptrdiff_t begin = first + kFirst, behind = begin + static_cast<ptrdiff_t>(blocks) * kSites;
     const ptrdiff_t end = (row.columns.end + 1) / 2;
     for (ptrdiff_t i = row.columns.begin / 2; i < end;) {
-      hn::StoreU(source_.Block(i, i + kSites > source_.EdgeSite()), DSite(), words + i);
+      hn::StoreU(source_.Block(i, source_.IsEdge(i)), DSite(), words + i);
       i += kSites;
       if (i >= begin && i < behind) i = behind;
     }

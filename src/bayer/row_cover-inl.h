@@ -54,7 +54,8 @@ HWY_INLINE void MirrorAtEdges(M left_edge, M right_edge, V& west, V& east) {
   west = inside_west;
 }
 
-// Lanes of a block that starts at column x, as a mask: those of columns outside [inner.begin, inner.end).
+// Lanes of a block that starts at column x, in kOrder, as a mask: those of columns outside [inner.begin,
+// inner.end).
 template <Order kOrder = Order::kPixels, class D>
 HWY_INLINE hn::Mask<D> OutsideColumns(D d, size_t x, ColumnRange inner) {
   using T = hn::TFromD<D>;

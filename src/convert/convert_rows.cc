@@ -170,10 +170,13 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
     const auto prepare = [&](size_t at) PRISMO_INLINE {
       if constexpr (kStores == StoreKind::kCached && kLanes > 1) sink.PrepareBlock(at);
     };
-    if constexpr (kInStep) x = ConvertInStep<StoreKind::kCached>(source, sink, src, x, end, prepare);
-    for (; x + Source::kBlockPixels <= end; x += Source::kBlockPixels) {
-      prepare(x);
-      ThisBlock::template Convert<StoreKind::kCached>(source, src + Source::kGroup.Bytes(x), At(sink, x));
+    if constexpr (kInStep) {
+      x = ConvertInStep<StoreKind::kCached>(source, sink, src, x, end, prepare);
+    } else {
+      for (; x + Source::kBlockPixels <= end; x += Source::kBlockPixels) {
+        prepare(x);
+        ThisBlock::template Convert<StoreKind::kCached>(source, src + Source::kGroup.Bytes(x), At(sink, x));
+      }
     }
     if (x == end) return;
     constexpr size_t kBlock = Source::kBlockPixels;
@@ -212,18 +215,20 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
       const uint8_t* const from = src + Source::kGroup.Bytes(first) + ahead;
       for (size_t byte = 0; byte < bytes; byte += kCacheLine) hwy::Prefetch(from + byte);
     };
+    const auto block = [&](size_t i, size_t ahead) PRISMO_INLINE {
+      const size_t first = x + i * kStreamPixels;
+      fetch(first, kInBytes, ahead);
+      StreamLines<Source, Sink>(source, src + Source::kGroup.Bytes(first), At(sink, first));
+    };
     if constexpr (kInStep) {
       constexpr size_t kBlockBytes = Source::kGroup.Bytes(Source::kBlockPixels);
       ConvertInStep<StoreKind::kStreaming>(source, sink, src, x, x + blocks * kStreamPixels,
                                            [&](size_t at)
                                                PRISMO_INLINE { fetch(at, kBlockBytes, kPrefetchBytes); });
+    } else if constexpr (Source::kArithmetic) {  // more of it than of reading
+      for (size_t i = 0; i < blocks; ++i) block(i, kPrefetchBytes);
     } else {
-      AtSeveralPlaces<kInBytes, kStreamPixels * kSinkBytes<Sink>>(
-          blocks, [&](size_t i, size_t ahead) PRISMO_INLINE {
-            const size_t first = x + i * kStreamPixels;
-            fetch(first, kInBytes, ahead);
-            StreamLines<Source, Sink>(source, src + Source::kGroup.Bytes(first), At(sink, first));
-          });
+      AtSeveralPlaces<kInBytes, kStreamPixels * kSinkBytes<Sink>>(blocks, block);
     }
     x += blocks * kStreamPixels;
     plain(x, pixels);

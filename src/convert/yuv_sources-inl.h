@@ -143,7 +143,7 @@ HWY_INLINE VI32 GreenOffsetOf(VI32 u_high, VI32 v_high) {
   const auto sum =
       hn::Add(hn::MulAdd(u, hn::Set(df, kU * kUnit), hn::Set(df, 0.5F)), hn::Mul(v, hn::Set(df, kV * kUnit)));
 #endif
-  // Highway's conversion would take four operations more to limit what does not fit.
+  // Highway's conversion would take three or four operations more to limit what does not fit.
 #if HWY_TARGET <= HWY_AVX3 && HWY_ARCH_X86
   return VI32{_mm512_cvt_roundps_epi32(sum.raw, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)};
 #elif HWY_TARGET == HWY_AVX2
@@ -320,7 +320,7 @@ struct Yuv411Source {
     constexpr size_t kLuma[4] = {1, 2, 4, 5};
     return kFirst + word / 4 * 6 + kLuma[word % 4];
   }
-  static constexpr bool IsOfLast(size_t word) { return word == 4 || word > 5; }
+  static constexpr bool IsOfLast(size_t word) { return word > 5; }
   static constexpr size_t ChromaPlace(size_t word) { return 3 * word - (IsOfLast(word) ? 8 : 0); }
 
   static HWY_INLINE hn::Mask<D8> ChromaOfLast() {
@@ -408,9 +408,9 @@ struct Yuv444Source {
   HWY_INLINE Begun Begin(const uint8_t* src) const {
     V8 v[4];
     for (size_t i = 0; i < 4; ++i) v[i] = LoadedOnce(hn::LoadU(D8(), src + TripleQuarters::kStart[i]));
-    Begun begun;
-    Clamp(Channels<0>(v[0], v[1]), Channels<1>(v[2], v[3]), begun.b, begun.g, begun.r);
-    return begun;
+    V8 b, g, r;
+    Clamp(Channels<0>(v[0], v[1]), Channels<1>(v[2], v[3]), b, g, r);
+    return {b, g, r};
   }
   HWY_INLINE void Finish(const Begun& begun, V8& b, V8& g, V8& r) const {
     b = begun.b;
@@ -459,9 +459,9 @@ struct Yuv444Source {
     V8 u, y, v;
   };
   HWY_INLINE Begun Begin(const uint8_t* src) const {
-    Begun begun;
-    LoadThreeChannels(src, begun.u, begun.y, begun.v);
-    return begun;
+    V8 u, y, v;
+    LoadThreeChannels(src, u, y, v);
+    return {u, y, v};
   }
   HWY_INLINE void Finish(const Begun& begun, V8& b, V8& g, V8& r) const {
     const auto [u, y, v] = begun;
