@@ -35,6 +35,7 @@ template <Order kOrder>
 HWY_INLINE void Interleave4(V8 b, V8 g, V8 r, V8 a, V8& v0, V8& v1, V8& v2, V8& v3) {
   const D8 d8;
   const D16 d16;
+  static_assert(kBytePermutes || kOrder == Order::kPixels || kOrder == Order::kPacked);
 #if PRISMO_BYTE_PERMUTES
   if constexpr (kOrder != Order::kAcross) {
     alignas(64) static constexpr auto kTranspose = [] {
@@ -140,8 +141,9 @@ HWY_INLINE V8 TakeTurns(V8 bytes_0, V8 bytes_1, V8 bytes_2) {
 }
 
 // 16 pixels in each 128-bit lane make three 16-byte chunks; chunk i of every lane goes to one vector.
-template <Order>
+template <Order kOrder>
 HWY_INLINE void Interleave3(V8 b, V8 g, V8 r, V8& v0, V8& v1, V8& v2) {
+  static_assert(kOrder == Order::kPixels);
   const D8 d8;
   static constexpr TurnIndices<16, uint8_t> kIndices;
   const V8 blue = hn::TableLookupBytes(b, hn::LoadDup128(d8, kIndices.of_channel[0]));
