@@ -30,7 +30,7 @@ AcpiJob MakeJob(const AcpiForm& form, void* dst, const void* src, FrameSize size
                  .adaptive_first_row = kBorder,
                  .adaptive_last_row = size.height - kBorder - 1},
       .pad_bytes = static_cast<uint32_t>(dst_pitch - PixelBytes(form.layout) * size.width),
-      .stores = simd::StoreKindFor((size.width + dst_pitch) * size.height, 1, simd::TimeGoesTo::kArithmetic)};
+      .stores = simd::StoreKindFor({size.Pixels(), dst_pitch * size.height}, simd::TimeGoesTo::kArithmetic)};
 }
 
 // The two outermost rows on each side.

@@ -7,7 +7,7 @@
 #include "bayer/bilinear.h"
 #include "bayer/bilinear_rows.h"
 #include "core/rows.h"
-#include "simd/targets.h"
+#include "simd/stores.h"
 
 namespace prismo {
 
@@ -21,9 +21,9 @@ struct BilinearJob {
   FrameSize size;
   ColumnRange columns;
   Phase phase;
-  simd::StoreKind stores;
+  simd::StorePlan stores;  // row by row
   uint32_t shift;
-  BilinearRow convert;
+  const BilinearRow* convert;  // [plain stores, streaming stores]
 
   void Rows(RowRange range) const;
 };

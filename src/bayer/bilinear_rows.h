@@ -6,7 +6,7 @@
 
 #include "bayer/bayer_row.h"
 #include "core/frame.h"
-#include "simd/targets.h"
+#include "simd/stores.h"
 
 namespace prismo {
 

@@ -27,7 +27,6 @@ struct PlanesJobs {
   PlanesJobs(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad,
              simd::TimeGoesTo time) {
     const size_t pitch = pad ? PadTo4(size.width) : size.width;
-    const simd::StoreKind stores = simd::StoreKindFor((size.width + 3 * pitch) * size.height, 1, time);
     outer = {.src = static_cast<const uint8_t*>(src),
              .src_pitch = size.width,
              .plane = {static_cast<uint8_t*>(planes.blue), static_cast<uint8_t*>(planes.green),
@@ -38,9 +37,9 @@ struct PlanesJobs {
              .size = size,
              .columns = {0, size.width},
              .phase = phase,
-             .stores = stores,
+             .stores = simd::PlanStores({size.Pixels(), 3 * pitch * size.height}, 1, time),
              .shift = 0,
-             .convert = CurrentBilinearKernels().planar[static_cast<size_t>(stores)]};
+             .convert = CurrentBilinearKernels().planar};
     middle.rows = outer;
     if (size.width % 2 != 0) middle.rows.columns.end = size.width - 2;
   }

@@ -14,10 +14,12 @@ void ZeroRun(uint8_t* dst, const uint8_t*, size_t pixels, uint32_t) {
   std::memset(dst, 0, kPixelBytes * pixels);
 }
 
-ConvertRun RunFor(const Conversion& conversion, simd::StoreKind stores) {
+constexpr ConvertRun kZeroRuns[2][2] = {{&ZeroRun<3>, &ZeroRun<3>}, {&ZeroRun<4>, &ZeroRun<4>}};
+
+const ConvertRun* RunsFor(const Conversion& conversion) {
   const bool bgra = conversion.layout == Layout::kBgra;
-  if (conversion.tables != TableUse::kNone && !TablesBuilt()) return bgra ? &ZeroRun<4> : &ZeroRun<3>;
-  return ConvertRunFor(conversion.source, bgra ? Pixels::kBgra : Pixels::kBgr, stores);
+  if (conversion.tables != TableUse::kNone && !TablesBuilt()) return kZeroRuns[bgra];
+  return ConvertRunsFor(conversion.source, bgra ? Pixels::kBgra : Pixels::kBgr);
 }
 
 // Of rows that begin anywhere, the two partly filled lines are not streamed. For grey bytes, which take no
@@ -39,12 +41,21 @@ void ConvertJob::Rows(RowRange range) const {
   if (range.count <= 0) return;
   uint8_t* to = dst + dst_pitch * static_cast<size_t>(range.first);
   const uint8_t* from = src + src_pitch * static_cast<size_t>(range.first);
+  const auto run = [&](simd::StoreKind kind, uint8_t* pixels_to, const uint8_t* pixels_from, size_t pixels) {
+    runs[static_cast<size_t>(kind)](pixels_to, pixels_from, pixels, shift);
+  };
   if (one_run) {
-    run(to, from, row_pixels * static_cast<size_t>(range.count), shift);
+    const size_t begin = row_pixels * static_cast<size_t>(range.first);
+    const size_t end = begin + row_pixels * static_cast<size_t>(range.count);
+    simd::ForEachPiece(stores, begin, end, simd::kPiecePixels,
+                       [&](simd::StoreKind kind, size_t first, size_t pixels) {
+                         const size_t done = first - begin;
+                         run(kind, to + pixel_bytes * done, from + group.Bytes(done), pixels);
+                       });
   } else {
     for (int32_t i = 0; i < range.count; ++i, to += dst_pitch, from += src_pitch) {
-      run(to, from, row_pixels, shift);
-      std::memset(to + row_bytes, 0, pad_bytes);
+      run(stores.OfPiece(static_cast<size_t>(range.first + i)), to, from, row_pixels);
+      std::memset(to + pixel_bytes * row_pixels, 0, pad_bytes);
     }
   }
   simd::FinishStores(stores);
@@ -54,19 +65,18 @@ ConvertJob RunJob(const Conversion& conversion, void* dst, const void* src, size
   const PixelGroup group = GroupOf(conversion.source);
   const size_t run_pixels = pixels / group.pixels * group.pixels;
   const size_t dst_bytes = PixelBytes(conversion.layout) * run_pixels;
-  const simd::StoreKind stores =
-      simd::StoreKindFor(group.Bytes(run_pixels) + dst_bytes, 1, TimeOf(conversion.source));
   return {.dst = static_cast<uint8_t*>(dst),
           .src = static_cast<const uint8_t*>(src),
           .dst_pitch = dst_bytes,
           .src_pitch = group.Bytes(run_pixels),
           .row_pixels = run_pixels,
-          .row_bytes = dst_bytes,
+          .group = group,
+          .pixel_bytes = PixelBytes(conversion.layout),
           .pad_bytes = 0,
           .one_run = true,
-          .stores = stores,
+          .stores = simd::PlanStores({group.Bytes(run_pixels), dst_bytes}, 1, TimeOf(conversion.source)),
           .shift = conversion.shift,
-          .run = RunFor(conversion, stores)};
+          .runs = RunsFor(conversion)};
 }
 
 ConvertJob RowsJob(const Conversion& conversion, void* dst, const void* src, FrameSize size,
@@ -77,19 +87,20 @@ ConvertJob RowsJob(const Conversion& conversion, void* dst, const void* src, Fra
   const size_t pixel_bytes = PixelBytes(conversion.layout);
   const auto pad_bytes = static_cast<uint32_t>(dst_pitch - pixel_bytes * size.width);
   const size_t row_pixels = size.width / group.pixels * group.pixels;
-  const simd::StoreKind stores = simd::StoreKindFor((src_pitch + dst_pitch) * size.height,
-                                                    StoreReach(conversion.source, pad_bytes > 0), time);
+  const simd::StorePlan stores = simd::PlanStores({src_pitch * size.height, dst_pitch * size.height},
+                                                  StoreReach(conversion.source, pad_bytes > 0), time);
   return {.dst = static_cast<uint8_t*>(dst),
           .src = static_cast<const uint8_t*>(src),
           .dst_pitch = dst_pitch,
           .src_pitch = src_pitch,
           .row_pixels = row_pixels,
-          .row_bytes = pixel_bytes * row_pixels,
+          .group = group,
+          .pixel_bytes = pixel_bytes,
           .pad_bytes = pad_bytes,
           .one_run = pad_bytes == 0,
           .stores = stores,
           .shift = conversion.shift,
-          .run = RunFor(conversion, stores)};
+          .runs = RunsFor(conversion)};
 }
 
 Status ConvertOnCaller(const Conversion& conversion, void* dst, const void* src, FrameSize size) {
@@ -101,7 +112,7 @@ Status ConvertOnCaller(const Conversion& conversion, void* dst, const void* src,
   } else {
     ConvertJob job = RowsJob(conversion, dst, src, size, TimeOf(conversion.source));
     // Seen only where a row is no whole number of groups: here rows move up, on the pool they stay apart.
-    job.dst_pitch = job.row_bytes + job.pad_bytes;
+    job.dst_pitch = job.pixel_bytes * job.row_pixels + job.pad_bytes;
     job.Rows({0, static_cast<int32_t>(size.height)});
   }
   return Status::kSuccess;

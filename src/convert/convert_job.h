@@ -10,7 +10,7 @@
 #include "core/rows.h"
 #include "core/status.h"
 #include "mp/log_functions.h"
-#include "simd/targets.h"
+#include "simd/stores.h"
 
 namespace prismo {
 
@@ -20,12 +20,13 @@ struct ConvertJob {
   size_t dst_pitch;  // bytes from row to row
   size_t src_pitch;
   size_t row_pixels;   // converted in each row
-  size_t row_bytes;    // that they occupy in dst
+  PixelGroup group;    // of the source
+  size_t pixel_bytes;  // in dst
   uint32_t pad_bytes;  // zeros that follow them
   bool one_run;        // rows follow each other without gaps: a block of rows is one run of pixels
-  simd::StoreKind stores;
+  simd::StorePlan stores;
   uint32_t shift;
-  ConvertRun run;
+  const ConvertRun* runs;  // [plain stores, streaming stores]
 
   void Rows(RowRange range) const;
 };

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "simd/targets.h"
+#include "simd/stores.h"
 
 namespace prismo {
 
@@ -57,13 +57,9 @@ struct ConvertKernels {
 
 const ConvertKernels& CurrentConvertKernels();
 
-inline ConvertRun ConvertRunFor(Source source, Pixels pixels, simd::StoreKind stores) {
-  return CurrentConvertKernels()
-      .run[static_cast<size_t>(source)][static_cast<size_t>(pixels)][static_cast<size_t>(stores)];
-}
-
-inline SplitRun SplitRunFor(simd::StoreKind stores) {
-  return CurrentConvertKernels().split[static_cast<size_t>(stores)];
+// [plain stores, streaming stores]
+inline const ConvertRun* ConvertRunsFor(Source source, Pixels pixels) {
+  return CurrentConvertKernels().run[static_cast<size_t>(source)][static_cast<size_t>(pixels)];
 }
 
 }  // namespace prismo

@@ -71,18 +71,18 @@ Status ReduceToMono8(PixelFormat format, void* dst, const void* src, FrameSize s
   const bool one_run = !pad || size.width % 4 == 0;
   const FrameSize rows = one_run ? FrameSize{size.Area(), 1} : size;
   const size_t pitch = one_run ? rows.width : PadTo4(rows.width);
-  const simd::StoreKind stores = simd::StoreKindFor((2 * size_t{rows.width} + pitch) * rows.height);
   const ConvertJob job{.dst = static_cast<uint8_t*>(dst),
                        .src = static_cast<const uint8_t*>(src),
                        .dst_pitch = pitch,
                        .src_pitch = 2 * size_t{rows.width},
                        .row_pixels = rows.width,
-                       .row_bytes = rows.width,
+                       .group = GroupOf(Source::kMonoN),
+                       .pixel_bytes = 1,
                        .pad_bytes = static_cast<uint32_t>(pitch - rows.width),
                        .one_run = one_run,
-                       .stores = stores,
+                       .stores = simd::PlanStores({2 * rows.Pixels(), pitch * rows.height}),
                        .shift = *shift,
-                       .run = ConvertRunFor(Source::kMonoN, Pixels::kGrey, stores)};
+                       .runs = ConvertRunsFor(Source::kMonoN, Pixels::kGrey)};
   job.Rows({0, static_cast<int32_t>(rows.height)});
   return Status::kSuccess;
 }

@@ -16,8 +16,7 @@ struct SplitJob {
   const uint8_t* src;
   size_t width;
   size_t plane_pitch;
-  simd::StoreKind stores;
-  SplitRun run;
+  simd::StorePlan stores;
 
   void Rows(RowRange range) const;
 };
@@ -25,20 +24,20 @@ struct SplitJob {
 void SplitJob::Rows(RowRange range) const {
   if (range.count <= 0) return;
   const size_t pad_bytes = plane_pitch - width;
-  const auto first = static_cast<size_t>(range.first);
-  const auto count = static_cast<size_t>(range.count);
-  std::array<uint8_t*, 3> to = planes;
-  for (uint8_t*& plane : to) plane += plane_pitch * first;
-  const uint8_t* from = src + 3 * width * first;
+  const auto first_row = static_cast<size_t>(range.first);
+  const size_t end_row = first_row + static_cast<size_t>(range.count);
+  const auto split = [&](simd::StoreKind kind, size_t to, size_t from_pixel, size_t pixels) {
+    uint8_t* const at[3] = {planes[0] + to, planes[1] + to, planes[2] + to};
+    CurrentConvertKernels().split[static_cast<size_t>(kind)](at, src + 3 * from_pixel, pixels);
+  };
   if (pad_bytes == 0) {
-    run(to.data(), from, width * count);
+    simd::ForEachPiece(
+        stores, width * first_row, width * end_row, simd::kPiecePixels,
+        [&](simd::StoreKind kind, size_t first, size_t pixels) { split(kind, first, first, pixels); });
   } else {
-    for (size_t i = 0; i < count; ++i, from += 3 * width) {
-      run(to.data(), from, width);
-      for (uint8_t*& plane : to) {
-        std::memset(plane + width, 0, pad_bytes);
-        plane += plane_pitch;
-      }
+    for (size_t y = first_row; y < end_row; ++y) {
+      split(stores.OfPiece(y), plane_pitch * y, width * y, width);
+      for (uint8_t* plane : planes) std::memset(plane + plane_pitch * y + width, 0, pad_bytes);
     }
   }
   simd::FinishStores(stores);
@@ -46,13 +45,11 @@ void SplitJob::Rows(RowRange range) const {
 
 SplitJob MakeSplitJob(const SourceOrderPlanes& planes, const void* src, FrameSize size, bool pad) {
   const size_t plane_pitch = pad ? PadTo4(size.width) : size.width;
-  const simd::StoreKind stores = simd::StoreKindFor(3 * (size.width + plane_pitch) * size.height);
   SplitJob job{.planes = {},
                .src = static_cast<const uint8_t*>(src),
                .width = size.width,
                .plane_pitch = plane_pitch,
-               .stores = stores,
-               .run = SplitRunFor(stores)};
+               .stores = simd::PlanStores({3 * size.Pixels(), 3 * plane_pitch * size.height})};
   std::ranges::transform(planes.plane, job.planes.begin(), [](void* p) { return static_cast<uint8_t*>(p); });
   return job;
 }

@@ -76,7 +76,7 @@ struct MirrorJob {
   const uint8_t* src;
   MirrorFormat format;
   Mirror mirror;
-  simd::StoreKind stores;
+  simd::StorePlan stores;
   size_t width, height;
   size_t row_bytes;
 
@@ -85,7 +85,8 @@ struct MirrorJob {
         src(static_cast<const uint8_t*>(from)),
         format(f),
         mirror(m),
-        stores(simd::StoreKindFor(2 * size.height * RowBytes(f, size.width))),
+        stores(
+            simd::PlanStores({size.height * RowBytes(f, size.width), size.height * RowBytes(f, size.width)})),
         width(size.width),
         height(size.height),
         row_bytes(RowBytes(f, size.width)) {}
@@ -94,30 +95,38 @@ struct MirrorJob {
     Rows(static_cast<size_t>(range.first), static_cast<size_t>(range.count));
   }
 
-  void Rows(size_t first, size_t count) const {
-    if (count == 0) return;
-    const uint8_t* from = src + first * row_bytes;
-    uint8_t* mirrored_end = dst + (height - first) * row_bytes;
-    if (mirror.horizontal && mirror.vertical) {
-      MirrorRows(mirrored_end - UnitBytesIn(count), from, UnitBytesIn(count), 1);
-    } else if (mirror.horizontal) {
-      MirrorEach(dst + first * row_bytes, from, count);
-    } else {
-      FlipRows(mirrored_end - count * row_bytes, from, row_bytes, count);
-    }
-  }
-
   void AllRows() const {
     if (mirror.horizontal && mirror.vertical) {
-      MirrorRows(dst, src, UnitBytesIn(height), 1);
+      MirrorRun(dst, src, UnitBytesIn(height));
+      simd::FinishStores(stores);
     } else {
       Rows(0, height);
     }
   }
 
-  void CopyFrame() const { FlipRows(dst, src, height * row_bytes, 1); }  // a single row keeps its place
+  void CopyFrame() const {
+    simd::ForEachPiece(stores, 0, height * row_bytes, simd::kPiecePixels,
+                       [&](simd::StoreKind kind, size_t first, size_t bytes) {
+                         Flip(kind, dst + first, src + first, bytes, 1);  // a single row keeps its place
+                       });
+    simd::FinishStores(stores);
+  }
 
  private:
+  void Rows(size_t first, size_t count) const {
+    if (count == 0) return;
+    const uint8_t* from = src + first * row_bytes;
+    uint8_t* mirrored_end = dst + (height - first) * row_bytes;
+    if (mirror.horizontal && mirror.vertical) {
+      MirrorRun(mirrored_end - UnitBytesIn(count), from, UnitBytesIn(count));
+    } else if (mirror.horizontal) {
+      MirrorEach(dst + first * row_bytes, from, count);
+    } else {
+      FlipAll(mirrored_end - count * row_bytes, from, count);
+    }
+    simd::FinishStores(stores);
+  }
+
   // Bytes of the whole units in `rows` rows taken as one run. With a width that does not fill units, fewer
   // may fit than the pixels come to.
   size_t UnitBytesIn(size_t rows) const {
@@ -125,21 +134,41 @@ struct MirrorJob {
            format.unit_bytes;
   }
 
+  void MirrorRun(uint8_t* to, const uint8_t* from, size_t bytes) const {
+    simd::ForEachPiece(stores, 0, bytes / format.unit_bytes, simd::kPiecePixels / format.unit_pixels,
+                       [&](simd::StoreKind kind, size_t first, size_t units) {
+                         MirrorRows(kind, to + bytes - (first + units) * format.unit_bytes,
+                                    from + first * format.unit_bytes, units * format.unit_bytes, 1);
+                       });
+  }
+
   void MirrorEach(uint8_t* to, const uint8_t* from, size_t rows) const {
     const size_t bytes = UnitBytesIn(1);
-    if (bytes == row_bytes) return MirrorRows(to, from, bytes, rows);
-    for (size_t y = 0; y < rows; ++y) MirrorRows(to + y * row_bytes, from + y * row_bytes, bytes, 1);
+    simd::ForEachPiece(
+        stores, 0, rows, simd::PieceRows(width), [&](simd::StoreKind kind, size_t first, size_t count) {
+          if (bytes == row_bytes) {
+            return MirrorRows(kind, to + first * row_bytes, from + first * row_bytes, bytes, count);
+          }
+          for (size_t y = first; y < first + count; ++y) {
+            MirrorRows(kind, to + y * row_bytes, from + y * row_bytes, bytes, 1);
+          }
+        });
   }
 
-  void MirrorRows(uint8_t* to, const uint8_t* from, size_t bytes, size_t rows) const {
+  void FlipAll(uint8_t* to, const uint8_t* from, size_t rows) const {
+    simd::ForEachPiece(
+        stores, 0, rows, simd::PieceRows(width), [&](simd::StoreKind kind, size_t first, size_t count) {
+          Flip(kind, to + (rows - first - count) * row_bytes, from + first * row_bytes, row_bytes, count);
+        });
+  }
+
+  void MirrorRows(simd::StoreKind kind, uint8_t* to, const uint8_t* from, size_t bytes, size_t rows) const {
     const auto& kernels = CurrentMirrorKernels().mirror[static_cast<size_t>(format.unit)];
-    kernels[static_cast<size_t>(stores)](to, from, bytes, rows);
-    simd::FinishStores(stores);
+    kernels[static_cast<size_t>(kind)](to, from, bytes, rows);
   }
 
-  void FlipRows(uint8_t* to, const uint8_t* from, size_t bytes, size_t rows) const {
-    CurrentMirrorKernels().flip[static_cast<size_t>(stores)](to, from, bytes, rows);
-    simd::FinishStores(stores);
+  static void Flip(simd::StoreKind kind, uint8_t* to, const uint8_t* from, size_t bytes, size_t rows) {
+    CurrentMirrorKernels().flip[static_cast<size_t>(kind)](to, from, bytes, rows);
   }
 };
 

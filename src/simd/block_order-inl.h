@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "simd/targets.h"
+#include "simd/stores.h"
 #include "simd/vectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();

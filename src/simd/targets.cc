@@ -5,9 +5,6 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "hwy/cache_control.h"
-#include "platform/cpu_caches.h"
-
 namespace prismo::simd {
 namespace {
 
@@ -74,37 +71,7 @@ Target Best() {
 
 constexpr uint8_t kUndecided = 0xFF;
 constinit std::atomic<uint8_t> current_target{kUndecided};
-constinit std::atomic<uint8_t> forced_store_kind{kUndecided};
-constinit std::atomic<uint8_t> forced_places{kUndecided};
 constinit std::atomic<uint8_t> forced_crossing{kUndecided};
-
-void Force(std::atomic<uint8_t>& setting, std::optional<bool> value) {
-  setting.store(value ? static_cast<uint8_t>(*value) : kUndecided, std::memory_order_relaxed);
-}
-
-// Beyond its share of the cache a streaming store beats a plain one, which first reads what it overwrites. A
-// cache of a whole server socket is shared with strangers and its far slices are no faster than memory: an
-// eighth of it is all that most conversions can count on (measured on a 105 MB cache, where streaming stores
-// win from about 12 MB on). Of caches of up to 48 MB it is nearly all (measured on 32 MB: at 27 to 30 MB
-// plain stores take 0.6 to 1.0 of the time, at 35 MB 0.8 to 1.2, as the neighbours are loud or quiet), and
-// half where streaming stores have time (adaptive 0.6 to 0.8 of the time at 20 MB, with AVX2 bilinear 0.93 at
-// 25 MB).
-struct CacheForConversions {
-  size_t bytes = platform::LastLevelCacheBytes();
-  bool socket_wide = bytes > size_t{48} << 20;
-
-  size_t Share(size_t reach, TimeGoesTo time) const {
-    if (socket_wide) return bytes / 8 * reach;
-    const bool quick =
-        time == TimeGoesTo::kMemory || (time == TimeGoesTo::kBoth && CurrentTarget() == Target::kAvx512Vbmi);
-    return quick ? bytes / 16 * 15 : bytes / 2;
-  }
-};
-
-const CacheForConversions& Cache() {
-  static const CacheForConversions cache;
-  return cache;
-}
 
 }  // namespace
 
@@ -127,25 +94,6 @@ void SetTarget(Target target) {
   current_target.store(static_cast<uint8_t>(target), std::memory_order_relaxed);
 }
 
-StoreKind StoreKindFor(size_t working_set_bytes, size_t reach, TimeGoesTo time) {
-  const uint8_t forced = forced_store_kind.load(std::memory_order_relaxed);
-  if (forced != kUndecided) return static_cast<StoreKind>(forced);
-  return working_set_bytes > Cache().Share(reach, time) ? StoreKind::kStreaming : StoreKind::kCached;
-}
-
-void FinishStores(StoreKind kind) {
-  if (kind == StoreKind::kStreaming) hwy::FlushStream();
-}
-
-void SetStoreKind(std::optional<StoreKind> kind) {
-  forced_store_kind.store(kind ? static_cast<uint8_t>(*kind) : kUndecided, std::memory_order_relaxed);
-}
-
-bool StreamsAtSeveralPlaces() {
-  const uint8_t forced = forced_places.load(std::memory_order_relaxed);
-  return forced != kUndecided ? forced != 0 : Cache().socket_wide;
-}
-
 bool CrossingLoadsAreSlow() {
   const uint8_t forced = forced_crossing.load(std::memory_order_relaxed);
   if (forced != kUndecided) return forced != 0;
@@ -157,7 +105,8 @@ bool CrossingLoadsAreSlow() {
 #endif
 }
 
-void SetSeveralPlaces(std::optional<bool> several) { Force(forced_places, several); }
-void SetCrossingLoads(std::optional<bool> slow) { Force(forced_crossing, slow); }
+void SetCrossingLoads(std::optional<bool> slow) {
+  forced_crossing.store(slow ? static_cast<uint8_t>(*slow) : kUndecided, std::memory_order_relaxed);
+}
 
 }  // namespace prismo::simd

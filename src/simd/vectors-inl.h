@@ -12,6 +12,7 @@
 
 #include "hwy/highway.h"
 #include "simd/cache_line.h"
+#include "simd/stores.h"
 #include "simd/targets.h"
 
 // For lambdas in inner loops: without it GCC calls them and passes vectors through memory.

@@ -59,11 +59,16 @@ void Make(BayerDepths depths, const BayerFrame& frame) {
   if (usual_pixels && WithinPixel(frame.channels, frame.samples_per_pixel)) {
     const auto pitch = static_cast<size_t>(frame.pitch_bytes);
     const auto width = static_cast<size_t>(frame.width), height = static_cast<size_t>(frame.height);
-    const auto stores = simd::StoreKindFor((pitch + width * kDepthRules[index].to_bytes) * height);
-    const auto make =
-        CurrentBayerKernels().make[index][frame.samples_per_pixel == 4][static_cast<size_t>(stores)];
-    if (make) {
-      make(frame.dst, frame.src, pitch, frame.channels, width, height);
+    const size_t out_pitch = width * kDepthRules[index].to_bytes;
+    const simd::StorePlan stores = simd::PlanStores({pitch * height, out_pitch * height});
+    const auto& makers = CurrentBayerKernels().make[index][frame.samples_per_pixel == 4];
+    if (makers[0]) {
+      simd::ForEachPiece(stores, 0, height / 2, simd::PieceRows(2 * width),
+                         [&](simd::StoreKind kind, size_t first, size_t pairs) {
+                           makers[static_cast<size_t>(kind)](frame.dst + out_pitch * 2 * first,
+                                                             frame.src + pitch * 2 * first, pitch,
+                                                             frame.channels, width, 2 * pairs);
+                         });
       return simd::FinishStores(stores);
     }
   }

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "simd/targets.h"
+#include "simd/stores.h"
 
 namespace prismo {
 

@@ -20,6 +20,7 @@
 #include "reference/mirror.h"
 #include "reference/row_split.h"
 #include "reference/synthesis.h"
+#include "simd/stores.h"
 #include "simd/targets.h"
 #include "support/dispatch_tables.h"
 #include "support/formats.h"
@@ -266,7 +267,7 @@ class FuzzConversion {
     simd::SetSeveralPlaces(true);
     for (const simd::Target target : simd::SupportedTargets()) {
       simd::SetTarget(target);
-      simd::SetStoreKind(place_++ % 2 ? simd::StoreKind::kStreaming : simd::StoreKind::kCached);
+      simd::SetStores(simd::StorePlan::Streaming(place_++ % 3 * simd::StorePlan::kParts / 2));
       simd::SetCrossingLoads(place_ / 2 % 2 != 0);
       const GuardedBuffer src(content, Placement::Nth(place_, sample_bytes));
       std::vector<std::unique_ptr<GuardedBuffer>> buffers;
@@ -285,7 +286,7 @@ class FuzzConversion {
       if (!src.CanariesIntact()) Complain("writes beside the source");
     }
     simd::SetTarget(target_before);
-    simd::SetStoreKind(std::nullopt);
+    simd::SetStores(std::nullopt);
     simd::SetSeveralPlaces(std::nullopt);
     simd::SetCrossingLoads(std::nullopt);
   }

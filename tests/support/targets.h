@@ -6,6 +6,7 @@
 
 #include <vector>
 
+#include "simd/stores.h"
 #include "simd/targets.h"
 
 namespace prismo::test {
@@ -16,7 +17,7 @@ class ScopedTarget {
   ScopedTarget() : target_(simd::CurrentTarget()) {}
   ~ScopedTarget() {
     simd::SetTarget(target_);
-    simd::SetStoreKind(std::nullopt);
+    simd::SetStores(std::nullopt);
     simd::SetSeveralPlaces(std::nullopt);
     simd::SetCrossingLoads(std::nullopt);
   }
@@ -43,8 +44,8 @@ void ForEachTarget(Check&& check) {
     simd::SetTarget(target);
     ASSERT_EQ(simd::CurrentTarget(), target);
     for (const simd::StoreKind stores : {simd::StoreKind::kCached, simd::StoreKind::kStreaming}) {
-      simd::SetStoreKind(stores);
-      ASSERT_EQ(simd::StoreKindFor(0), stores);
+      simd::SetStores(stores);
+      ASSERT_EQ(simd::PlanStores({0, 0}), simd::StorePlan(stores));
       for (const bool slow : CrossingLoadsOf(target)) {
         simd::SetCrossingLoads(slow);
         SCOPED_TRACE(testing::Message()

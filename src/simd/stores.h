@@ -1,0 +1,96 @@
+// Choice of the kind of store.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace prismo::simd {
+
+// kStreaming bypasses the caches: right for results that the cache could not hold anyway.
+enum class StoreKind : uint8_t { kCached, kStreaming };
+
+// What takes a conversion's time in the cache. kBoth: arithmetic that kAvx512Vbmi has the instructions for.
+// Several threads of the pool share the arithmetic: there it is the memory for all but the adaptive demosaic
+// (measured with two threads at 5 megapixels: 0.5 to 0.65 of the time where it stays in the cache; adaptive
+// the same).
+enum class TimeGoesTo : uint8_t { kMemory, kBoth, kArithmetic };
+
+// The bytes that a conversion reads and writes.
+struct Traffic {
+  size_t read;
+  size_t written;
+
+  constexpr size_t Bytes() const { return read + written; }
+};
+
+// Which pieces of a target are streamed: all, none, or as many of them as the cache has no room for. Pieces
+// of the two kinds follow each other, so that both ways to the memory are used at once.
+class StorePlan {
+ public:
+  static constexpr size_t kParts = 16;
+
+  // NOLINTNEXTLINE(google-explicit-constructor): one kind is a plan
+  constexpr StorePlan(StoreKind kind = StoreKind::kCached)
+      : streamed_(kind == StoreKind::kStreaming ? kParts : 0) {}
+
+  // This many of each kParts pieces are streamed.
+  static constexpr StorePlan Streaming(size_t parts) {
+    StorePlan plan(StoreKind::kCached);
+    plan.streamed_ = static_cast<uint8_t>(std::min(parts, kParts));
+    return plan;
+  }
+
+  constexpr StoreKind OfPiece(size_t piece) const {
+    return piece % kParts * streamed_ % kParts + streamed_ >= kParts ? StoreKind::kStreaming
+                                                                     : StoreKind::kCached;
+  }
+  constexpr bool OfOneKind() const { return streamed_ % kParts == 0; }
+  constexpr size_t StreamedParts() const { return streamed_; }
+
+  friend constexpr bool operator==(StorePlan, StorePlan) = default;
+
+ private:
+  uint8_t streamed_;
+};
+
+// `reach` tells how many times as much cache as others a conversion can count on where the cache is that of a
+// whole server socket.
+StorePlan PlanStores(const Traffic& traffic, size_t reach = 1, TimeGoesTo time = TimeGoesTo::kMemory);
+
+// The kind for a target that is not stored in pieces.
+StoreKind StoreKindFor(const Traffic& traffic, TimeGoesTo time);
+
+// Pixels of a piece: enough for what begins and ends a streamed run not to count.
+inline constexpr size_t kPiecePixels = 65536;
+constexpr size_t PieceRows(size_t row_pixels) {
+  return std::max<size_t>(kPiecePixels / std::max<size_t>(row_pixels, 1), 1);
+}
+
+// Calls use(kind, first, count) for the pieces of the pixels or rows from `begin` to `end` of a target whose
+// pieces have so many of them.
+template <class Use>
+void ForEachPiece(StorePlan plan, size_t begin, size_t end, size_t piece, const Use& use) {
+  if (plan.OfOneKind()) piece = std::max<size_t>(end, 1);
+  for (size_t count; begin < end; begin += count) {
+    count = std::min(piece - begin % piece, end - begin);
+    use(plan.OfPiece(begin / piece), begin, count);
+  }
+}
+
+// Streaming stores are weakly ordered: a row job ends with this before anybody else reads its rows.
+void FinishStores(StorePlan plan);
+
+// For tests and benchmarks: forces one plan, or returns to the choice by traffic.
+void SetStores(std::optional<StorePlan> plan);
+
+// Whether streamed runs are read and written at several places by turns. Where one cache serves a whole
+// server socket, memory gives a processor more when it asks for several pages at once; elsewhere one place is
+// as fast or faster.
+bool StreamsAtSeveralPlaces();
+
+// For tests: forces the one or the other, or returns to what the processor does best.
+void SetSeveralPlaces(std::optional<bool> several);
+
+}  // namespace prismo::simd
