@@ -115,7 +115,8 @@ std::optional<Judgement> Judge(const Result& result, const AtSizes& share) {
     const double goal = GoalOf(kOverLimit, conversion, size) * share[size];
     if (goal <= 0 || result.over_limit <= 0) return std::nullopt;
     const double over_loops = OverSameBytes(result);
-    const bool out_of_reach = over_loops > 0 && result.over_limit / over_loops > goal * kTolerance;
+    const bool out_of_reach = result.over_limit > goal * kTolerance && over_loops > 0 &&
+                              result.over_limit / over_loops > goal * kTolerance;
     return Judgement{goal, (out_of_reach ? over_loops : result.over_limit) / goal,
                      Format("%.2f x the limit", result.over_limit), over_loops, out_of_reach};
   }
@@ -151,8 +152,8 @@ int ReportGoals(const Report& report) {
     std::cout << '\n';
   }
   std::cout << Format(
-      "%d of %d rows miss their goal by more than 10 %%; %d goals are out of reach of loops "
-      "that move the same bytes and count over these\n",
+      "%d of %d rows miss their goal by more than 10 %%; %d out of reach of loops "
+      "that move the same bytes count over these\n",
       missed, static_cast<int>(worst.size()), out_of_reach);
   return missed;
 }

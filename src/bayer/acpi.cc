@@ -16,21 +16,20 @@ BilinearForm BilinearFormOf(const AcpiForm& form) { return {form.phase, BayerDep
 
 AcpiJob MakeJob(const AcpiForm& form, void* dst, const void* src, FrameSize size) {
   const size_t dst_pitch = RowBytes(form.layout, size.width);
-  return {
-      .images = {.src = static_cast<const uint8_t*>(src),
-                 .frame = size,
-                 .phase = form.phase,
-                 .dst = static_cast<uint8_t*>(dst),
-                 .dst_pitch = dst_pitch,
-                 .first_column = 0,
-                 .first_row = 0,
-                 .layout = form.layout},
-      .region = {.columns = {0, size.width},
-                 .adaptive_columns = {kBorder, size.width - kBorder},
-                 .adaptive_first_row = kBorder,
-                 .adaptive_last_row = size.height - kBorder - 1},
-      .pad_bytes = static_cast<uint32_t>(dst_pitch - PixelBytes(form.layout) * size.width),
-      .stores = simd::StoreKindFor({size.Pixels(), dst_pitch * size.height}, simd::TimeGoesTo::kArithmetic)};
+  return {.images = {.src = static_cast<const uint8_t*>(src),
+                     .frame = size,
+                     .phase = form.phase,
+                     .dst = static_cast<uint8_t*>(dst),
+                     .dst_pitch = dst_pitch,
+                     .first_column = 0,
+                     .first_row = 0,
+                     .layout = form.layout},
+          .region = {.columns = {0, size.width},
+                     .adaptive_columns = {kBorder, size.width - kBorder},
+                     .adaptive_first_row = kBorder,
+                     .adaptive_last_row = size.height - kBorder - 1},
+          .pad_bytes = static_cast<uint32_t>(dst_pitch - PixelBytes(form.layout) * size.width),
+          .stores = simd::StoreKindFor({size.Pixels(), dst_pitch * size.height})};
 }
 
 // The two outermost rows on each side.

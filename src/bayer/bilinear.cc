@@ -80,7 +80,7 @@ void BilinearJob::Rows(RowRange range) const {
                               .shift = shift};
     RowTarget target{{plane[0] + dst_pitch * y}, 0};
     for (uint32_t i = 1; i < planes; ++i) target.plane[i] = plane[i] + dst_pitch * y;
-    const BilinearRow row = convert[static_cast<size_t>(stores.OfPiece(y))];
+    const BilinearRow row = convert[static_cast<size_t>(stores.OfRow(y, size.width))];
     row(lines, {size.width, columns, RoleOf(phase, y), y >= 2 && y + 2 <= last}, target);
     if (pad_bytes == 0) continue;
     for (uint32_t i = 0; i < planes; ++i) std::memset(target.plane[i] + dst_pitch - pad_bytes, 0, pad_bytes);

@@ -21,7 +21,7 @@ struct BilinearJob {
   FrameSize size;
   ColumnRange columns;
   Phase phase;
-  simd::StorePlan stores;  // row by row
+  simd::StorePlan stores;
   uint32_t shift;
   const BilinearRow* convert;  // [plain stores, streaming stores]
 

@@ -39,8 +39,7 @@ AcpiJob MakeJob(const AcpiForm& form, const Rectangle& r) {
                      .adaptive_first_row = r.top + 1,
                      .adaptive_last_row = r.top + r.size.height - 2},
           .pad_bytes = 0,
-          .stores = simd::StoreKindFor({r.size.Pixels(), PixelBytes(form.layout) * r.size.Pixels()},
-                                       simd::TimeGoesTo::kArithmetic)};
+          .stores = simd::StoreKindFor({r.size.Pixels(), PixelBytes(form.layout) * r.size.Pixels()})};
 }
 
 // The outermost columns of some rows.

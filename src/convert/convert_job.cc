@@ -47,14 +47,13 @@ void ConvertJob::Rows(RowRange range) const {
   if (one_run) {
     const size_t begin = row_pixels * static_cast<size_t>(range.first);
     const size_t end = begin + row_pixels * static_cast<size_t>(range.count);
-    simd::ForEachPiece(stores, begin, end, simd::kPiecePixels,
-                       [&](simd::StoreKind kind, size_t first, size_t pixels) {
-                         const size_t done = first - begin;
-                         run(kind, to + pixel_bytes * done, from + group.Bytes(done), pixels);
-                       });
+    simd::ForEachPiece(stores, begin, end, 1, [&](simd::StoreKind kind, size_t first, size_t pixels) {
+      const size_t done = first - begin;
+      run(kind, to + pixel_bytes * done, from + group.Bytes(done), pixels);
+    });
   } else {
     for (int32_t i = 0; i < range.count; ++i, to += dst_pitch, from += src_pitch) {
-      run(stores.OfPiece(static_cast<size_t>(range.first + i)), to, from, row_pixels);
+      run(stores.OfRow(static_cast<size_t>(range.first + i), row_pixels), to, from, row_pixels);
       std::memset(to + pixel_bytes * row_pixels, 0, pad_bytes);
     }
   }

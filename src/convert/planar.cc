@@ -32,11 +32,11 @@ void SplitJob::Rows(RowRange range) const {
   };
   if (pad_bytes == 0) {
     simd::ForEachPiece(
-        stores, width * first_row, width * end_row, simd::kPiecePixels,
+        stores, width * first_row, width * end_row, 1,
         [&](simd::StoreKind kind, size_t first, size_t pixels) { split(kind, first, first, pixels); });
   } else {
     for (size_t y = first_row; y < end_row; ++y) {
-      split(stores.OfPiece(y), plane_pitch * y, width * y, width);
+      split(stores.OfRow(y, width), plane_pitch * y, width * y, width);
       for (uint8_t* plane : planes) std::memset(plane + plane_pitch * y + width, 0, pad_bytes);
     }
   }

@@ -97,7 +97,7 @@ struct MirrorJob {
 
   void AllRows() const {
     if (mirror.horizontal && mirror.vertical) {
-      MirrorRun(dst, src, UnitBytesIn(height));
+      MirrorRun(dst, src, 0, UnitBytesIn(height));
       simd::FinishStores(stores);
     } else {
       Rows(0, height);
@@ -105,24 +105,24 @@ struct MirrorJob {
   }
 
   void CopyFrame() const {
-    simd::ForEachPiece(stores, 0, height * row_bytes, simd::kPiecePixels,
-                       [&](simd::StoreKind kind, size_t first, size_t bytes) {
-                         Flip(kind, dst + first, src + first, bytes, 1);  // a single row keeps its place
-                       });
+    simd::ForEachPiece(stores, 0, height, width, [&](simd::StoreKind kind, size_t first, size_t rows) {
+      const size_t place = first * row_bytes;
+      Flip(kind, dst + place, src + place, rows * row_bytes, 1);  // a single row keeps its place
+    });
     simd::FinishStores(stores);
   }
 
  private:
   void Rows(size_t first, size_t count) const {
     if (count == 0) return;
-    const uint8_t* from = src + first * row_bytes;
-    uint8_t* mirrored_end = dst + (height - first) * row_bytes;
     if (mirror.horizontal && mirror.vertical) {
-      MirrorRun(mirrored_end - UnitBytesIn(count), from, UnitBytesIn(count));
+      const size_t bytes = UnitBytesIn(count);
+      MirrorRun(dst + (height - first) * row_bytes - bytes, src + first * row_bytes,
+                first * width / format.unit_pixels, bytes);
     } else if (mirror.horizontal) {
-      MirrorEach(dst + first * row_bytes, from, count);
+      MirrorEach(first, count);
     } else {
-      FlipAll(mirrored_end - count * row_bytes, from, count);
+      FlipAll(first, count);
     }
     simd::FinishStores(stores);
   }
@@ -134,31 +134,33 @@ struct MirrorJob {
            format.unit_bytes;
   }
 
-  void MirrorRun(uint8_t* to, const uint8_t* from, size_t bytes) const {
-    simd::ForEachPiece(stores, 0, bytes / format.unit_bytes, simd::kPiecePixels / format.unit_pixels,
+  // A run of units, of which the first is number `unit` of the frame.
+  void MirrorRun(uint8_t* to, const uint8_t* from, size_t unit, size_t bytes) const {
+    const size_t unit_bytes = format.unit_bytes;
+    simd::ForEachPiece(stores, unit, unit + bytes / unit_bytes, format.unit_pixels,
                        [&](simd::StoreKind kind, size_t first, size_t units) {
-                         MirrorRows(kind, to + bytes - (first + units) * format.unit_bytes,
-                                    from + first * format.unit_bytes, units * format.unit_bytes, 1);
+                         const size_t place = (first - unit) * unit_bytes, piece = units * unit_bytes;
+                         MirrorRows(kind, to + bytes - place - piece, from + place, piece, 1);
                        });
   }
 
-  void MirrorEach(uint8_t* to, const uint8_t* from, size_t rows) const {
+  void MirrorEach(size_t first_row, size_t count) const {
     const size_t bytes = UnitBytesIn(1);
-    simd::ForEachPiece(
-        stores, 0, rows, simd::PieceRows(width), [&](simd::StoreKind kind, size_t first, size_t count) {
-          if (bytes == row_bytes) {
-            return MirrorRows(kind, to + first * row_bytes, from + first * row_bytes, bytes, count);
-          }
-          for (size_t y = first; y < first + count; ++y) {
-            MirrorRows(kind, to + y * row_bytes, from + y * row_bytes, bytes, 1);
-          }
-        });
+    simd::ForEachPiece(stores, first_row, first_row + count, width,
+                       [&](simd::StoreKind kind, size_t first, size_t rows) {
+                         const size_t place = first * row_bytes;
+                         if (bytes == row_bytes)
+                           return MirrorRows(kind, dst + place, src + place, bytes, rows);
+                         for (size_t y = first; y < first + rows; ++y) {
+                           MirrorRows(kind, dst + y * row_bytes, src + y * row_bytes, bytes, 1);
+                         }
+                       });
   }
 
-  void FlipAll(uint8_t* to, const uint8_t* from, size_t rows) const {
+  void FlipAll(size_t first_row, size_t count) const {
     simd::ForEachPiece(
-        stores, 0, rows, simd::PieceRows(width), [&](simd::StoreKind kind, size_t first, size_t count) {
-          Flip(kind, to + (rows - first - count) * row_bytes, from + first * row_bytes, row_bytes, count);
+        stores, first_row, first_row + count, width, [&](simd::StoreKind kind, size_t first, size_t rows) {
+          Flip(kind, dst + (height - first - rows) * row_bytes, src + first * row_bytes, row_bytes, rows);
         });
   }
 

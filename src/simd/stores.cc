@@ -10,13 +10,15 @@ namespace prismo::simd {
 namespace {
 
 constexpr uint8_t kUndecided = 0xFF;
-constinit std::atomic<uint8_t> forced_parts{kUndecided};
 constinit std::atomic<uint8_t> forced_places{kUndecided};
 
+// Parts in the low byte, pixels of a piece above.
+constinit std::atomic<uint64_t> forced_plan{kUndecided};
+
 std::optional<StorePlan> ForcedPlan() {
-  const uint8_t parts = forced_parts.load(std::memory_order_relaxed);
-  if (parts == kUndecided) return std::nullopt;
-  return StorePlan::Streaming(parts);
+  const uint64_t plan = forced_plan.load(std::memory_order_relaxed);
+  if (plan == kUndecided) return std::nullopt;
+  return StorePlan::Streaming(plan & 0xFF, plan >> 8);
 }
 
 // Beyond its share of the cache a streaming store beats a plain one, which first reads what it overwrites. A
@@ -25,8 +27,9 @@ std::optional<StorePlan> ForcedPlan() {
 // win from about 12 MB on).
 //
 // Of caches of up to 48 MB it is half. Up to the whole cache as much of the target is streamed as half has no
-// room for (measured on 32 MB at 20 to 30 MB: 0.9 to 1.1 of the better kind of store where that changes with
-// what the neighbours do, the other kind up to 2). Where streaming stores have time, all is streamed.
+// room for (measured on 32 MB at 20 to 30 MB: 0.7 to 1.07 of the time of plain stores alone, 0.65 to 1.06 of
+// that of streaming; which of these is faster changes with what the neighbours do). Where streaming stores
+// have time, all is streamed.
 struct CacheForConversions {
   size_t bytes = platform::LastLevelCacheBytes();
   bool socket_wide = bytes > size_t{48} << 20;
@@ -54,9 +57,8 @@ StorePlan PlanStores(const Traffic& traffic, size_t reach, TimeGoesTo time) {
   return Cache().PlanFor(traffic, reach, time);
 }
 
-StoreKind StoreKindFor(const Traffic& traffic, TimeGoesTo time) {
-  const StorePlan plan = PlanStores(traffic, 1, time);
-  return 2 * plan.StreamedParts() >= StorePlan::kParts ? StoreKind::kStreaming : StoreKind::kCached;
+StoreKind StoreKindFor(const Traffic& traffic) {
+  return PlanStores(traffic, 1, TimeGoesTo::kArithmetic).OfPiece(0);
 }
 
 void FinishStores(StorePlan plan) {
@@ -64,8 +66,8 @@ void FinishStores(StorePlan plan) {
 }
 
 void SetStores(std::optional<StorePlan> plan) {
-  forced_parts.store(plan ? static_cast<uint8_t>(plan->StreamedParts()) : kUndecided,
-                     std::memory_order_relaxed);
+  forced_plan.store(plan ? plan->StreamedParts() | uint64_t{plan->PiecePixels()} << 8 : kUndecided,
+                    std::memory_order_relaxed);
 }
 
 bool StreamsAtSeveralPlaces() {

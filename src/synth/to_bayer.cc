@@ -63,7 +63,7 @@ void Make(BayerDepths depths, const BayerFrame& frame) {
     const simd::StorePlan stores = simd::PlanStores({pitch * height, out_pitch * height});
     const auto& makers = CurrentBayerKernels().make[index][frame.samples_per_pixel == 4];
     if (makers[0]) {
-      simd::ForEachPiece(stores, 0, height / 2, simd::PieceRows(2 * width),
+      simd::ForEachPiece(stores, 0, height / 2, 2 * width,
                          [&](simd::StoreKind kind, size_t first, size_t pairs) {
                            makers[static_cast<size_t>(kind)](frame.dst + out_pitch * 2 * first,
                                                              frame.src + pitch * 2 * first, pitch,

@@ -48,26 +48,19 @@ std::optional<RawFormat> FindRaw(PixelFormat format) {
 void Make(uint8_t* dst, const uint8_t* src, const RawFormat& format, uint32_t extra_bits,
           const RawSource& source) {
   const bool bgra = source.format == PixelFormat::kBgra8;
-  const size_t pixel_bytes = bgra ? 4 : 3;
-  const size_t row_bytes = source.size.width * pixel_bytes;
+  const size_t row_bytes = size_t{source.size.width} * (bgra ? 4 : 3);
   const size_t pitch = source.padded ? PadTo4(row_bytes) : row_bytes;
   const size_t out_row_bytes = size_t{source.size.width} / format.group_pixels * format.group_bytes;
-  const size_t height = source.size.height;
-  const simd::StorePlan stores =
-      simd::PlanStores({pitch * height, out_row_bytes * height}, 1, simd::TimeGoesTo::kArithmetic);
-  const auto& makers = CurrentRawKernels().make[static_cast<size_t>(format.target)][bgra];
-  const auto make = [&](simd::StoreKind kind, size_t to, size_t from, size_t pixels) {
-    makers[static_cast<size_t>(kind)](dst + to, src + from, pixels, extra_bits);
-  };
+  // Streamed from half of the cache on: 0.74 to 0.98 of the time at 20 to 30 MB, most of which is read.
+  const simd::StoreKind stores =
+      simd::StoreKindFor({pitch * source.size.height, out_row_bytes * source.size.height});
+  const auto make =
+      CurrentRawKernels().make[static_cast<size_t>(format.target)][bgra][static_cast<size_t>(stores)];
   if (pitch == row_bytes) {
-    simd::ForEachPiece(stores, 0, source.size.Pixels(), simd::kPiecePixels,
-                       [&](simd::StoreKind kind, size_t first, size_t pixels) {
-                         make(kind, first / format.group_pixels * format.group_bytes, first * pixel_bytes,
-                              pixels);
-                       });
+    make(dst, src, source.size.Pixels(), extra_bits);
   } else {
-    for (size_t y = 0; y < height; ++y) {
-      make(stores.OfPiece(y), out_row_bytes * y, pitch * y, source.size.width);
+    for (size_t y = 0; y < source.size.height; ++y) {
+      make(dst + out_row_bytes * y, src + pitch * y, source.size.width, extra_bits);
     }
   }
   simd::FinishStores(stores);

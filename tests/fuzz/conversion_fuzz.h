@@ -267,7 +267,8 @@ class FuzzConversion {
     simd::SetSeveralPlaces(true);
     for (const simd::Target target : simd::SupportedTargets()) {
       simd::SetTarget(target);
-      simd::SetStores(simd::StorePlan::Streaming(place_++ % 3 * simd::StorePlan::kParts / 2));
+      constexpr size_t kPiecePixels = 48;  // so that small frames have several
+      simd::SetStores(simd::StorePlan::Streaming(place_++ % 3 * simd::StorePlan::kParts / 2, kPiecePixels));
       simd::SetCrossingLoads(place_ / 2 % 2 != 0);
       const GuardedBuffer src(content, Placement::Nth(place_, sample_bytes));
       std::vector<std::unique_ptr<GuardedBuffer>> buffers;

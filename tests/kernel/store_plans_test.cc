@@ -20,11 +20,11 @@
 namespace prismo::test {
 namespace {
 
-// Of more than two pieces; with rows that are whole groups of every format and end on no line of memory, and
-// with rows that want padding.
+// Rows that are whole groups of every format and end on no line of memory, and rows that want padding; pieces
+// of three rows or a thousand pixels.
 constexpr uint32_t kWidths[] = {332, 330};
-constexpr uint32_t kHeight = 460;
-static_assert(330 * kHeight > 2 * simd::kPiecePixels);
+constexpr uint32_t kHeight = 80;
+constexpr size_t kPiecePixels = 1000;
 constexpr size_t kPixels = size_t{332} * kHeight;
 
 class StorePlans : public PoolTest {
@@ -41,7 +41,7 @@ class StorePlans : public PoolTest {
       std::vector<uint8_t> expected = before;
       const uint32_t status = call(expected.data(), src_.data(), width);
       for (const size_t parts : {4u, 8u, 13u}) {
-        simd::SetStores(simd::StorePlan::Streaming(parts));
+        simd::SetStores(simd::StorePlan::Streaming(parts, kPiecePixels));
         GuardedBuffer dst(before, Placement::Nth(place_++));
         EXPECT_EQ(call(dst.data(), src_.data(), width), status);
         EXPECT_TRUE(std::ranges::equal(dst.bytes(), expected)) << parts << " parts";

@@ -40,9 +40,9 @@ TEST_F(Stores, ResultsThatNoCacheHoldsAreStreamed) {
   for (const TimeGoesTo time : {kMemory, kBoth, kArithmetic}) {
     EXPECT_EQ(PlanStores({0, 1}, 1, time), StorePlan(StoreKind::kCached));
     EXPECT_EQ(PlanStores({cache_, cache_}, 1, time), StorePlan(StoreKind::kStreaming));
-    EXPECT_EQ(StoreKindFor({0, 1}, time), StoreKind::kCached);
-    EXPECT_EQ(StoreKindFor({cache_, cache_}, time), StoreKind::kStreaming);
   }
+  EXPECT_EQ(StoreKindFor({0, 1}), StoreKind::kCached);
+  EXPECT_EQ(StoreKindFor({cache_, cache_}), StoreKind::kStreaming);
 }
 
 TEST_F(Stores, BetweenHalfACacheAndAllOfItWhatHalfHasNoRoomForIsStreamed) {
@@ -61,6 +61,7 @@ TEST_F(Stores, WhereStreamingHasTimeAllIsStreamedFromHalfACacheOn) {
   if (SocketWide()) GTEST_SKIP() << "the cache is that of a whole socket";
   EXPECT_EQ(PlanStores({cache_ / 4, cache_ / 4}, 1, kArithmetic), StorePlan(StoreKind::kCached));
   EXPECT_EQ(PlanStores({cache_ / 4, cache_ / 4 + 64}, 1, kArithmetic), StorePlan(StoreKind::kStreaming));
+  EXPECT_EQ(StoreKindFor({cache_ / 4, cache_ / 4 + 64}), StoreKind::kStreaming);
 }
 
 TEST_F(Stores, SpreadsStreamedPiecesEvenly) {
@@ -76,15 +77,17 @@ TEST_F(Stores, SpreadsStreamedPiecesEvenly) {
 
 // Wherever a block of a target begins, its pieces are those of the whole target.
 TEST_F(Stores, PiecesAreThoseOfTheWholeTarget) {
-  constexpr size_t kPiece = 10;
-  const StorePlan plan = StorePlan::Streaming(7);
+  constexpr size_t kUnitPixels = 7;
+  const StorePlan plan = StorePlan::Streaming(7, 75);  // ten units a piece
+  ASSERT_EQ(plan.PieceUnits(kUnitPixels), 10u);
   for (size_t begin = 0; begin < 35; ++begin) {
     for (size_t end = begin; end < 70; ++end) {
       std::vector<size_t> units;
-      ForEachPiece(plan, begin, end, kPiece, [&](StoreKind kind, size_t first, size_t count) {
+      ForEachPiece(plan, begin, end, kUnitPixels, [&](StoreKind kind, size_t first, size_t count) {
         ASSERT_GT(count, 0u);
         for (size_t unit = first; unit < first + count; ++unit) {
-          EXPECT_EQ(kind, plan.OfPiece(unit / kPiece));
+          EXPECT_EQ(kind, plan.OfPiece(unit / 10));
+          EXPECT_EQ(kind, plan.OfRow(unit, kUnitPixels));
           units.push_back(unit);
         }
       });
@@ -92,6 +95,11 @@ TEST_F(Stores, PiecesAreThoseOfTheWholeTarget) {
       for (size_t i = 0; i < units.size(); ++i) ASSERT_EQ(units[i], begin + i);
     }
   }
+}
+
+TEST_F(Stores, LongRowsArePiecesByThemselves) {
+  EXPECT_EQ(StorePlan::Streaming(8, 100).PieceUnits(101), 1u);
+  EXPECT_EQ(StorePlan::Streaming(8, 100).PieceUnits(0), 100u);
 }
 
 TEST_F(Stores, OneKindIsOnePiece) {
