@@ -23,7 +23,7 @@ std::string Method(int rounds, Peers peers) {
   return std::string("Each row runs ours") +
          (with_peers ? ", three limits and the peers" : " and three limits") + " in turns, " +
          std::to_string(rounds) +
-         " rounds, each after an untimed call of its own,\n"
+         " rounds, each after untimed calls of its own,\n"
          "on the same warm buffers. Times are medians over the rounds, ratios medians of each round's "
          "ratio.\n"
          "x L: our time over that of the fastest limit (memcpy, NT stores, plain stores: one thread moving "
