@@ -63,8 +63,8 @@ void Race(std::vector<Contestant>& contestants, const Plan& plan) {
   for (int round = 0; round < plan.rounds; ++round) {
     for (size_t turn = 0; turn < count; ++turn) {
       const size_t i = (turn + static_cast<size_t>(round)) % count;
-      // As long without a clock: near the size of a shared cache it takes some five calls until the cache is in
-      // the state that this contestant itself leaves.
+      // As long without a clock: near the size of a shared cache it takes some five calls until the cache is
+      // in the state that this contestant itself leaves.
       const int untimed = contestants[i].before ? 1 : calls[i];
       for (int call = 0; call < untimed; ++call) contestants[i].run();
       contestants[i].seconds.push_back(TimeOf(contestants[i], calls[i]));

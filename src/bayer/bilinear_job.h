@@ -33,8 +33,8 @@ BilinearJob MakeBilinearJob(const BilinearForm& form, void* dst, const void* src
                             uint32_t shift, simd::TimeGoesTo time);
 
 // What takes the time of the caller's thread, and of the pool: before there is one, that of one thread.
-simd::TimeGoesTo TimeOnCaller(BayerDepth depth);
-simd::TimeGoesTo TimeOnPool(BayerDepth depth);
+inline constexpr simd::TimeGoesTo kTimeOnCaller = simd::TimeGoesTo::kBoth;
+simd::TimeGoesTo TimeOnPool();
 
 // GR and RG frames run on the pool as BG and GB ones whose row pairs are swapped: the flag that works carry.
 constexpr bool RowPairsSwapped(Phase phase) { return phase == Phase::kGR || phase == Phase::kRG; }

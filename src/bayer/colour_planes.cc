@@ -62,7 +62,7 @@ Status Check(const ColourPlanes& planes, const void* src, FrameSize size) {
 Status PlanesOnCaller(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad) {
   const Status status = Check(planes, src, size);
   if (status != Status::kSuccess || size.Empty()) return status;
-  const PlanesJobs jobs(phase, planes, src, size, pad, TimeOnCaller(BayerDepth::k8));
+  const PlanesJobs jobs(phase, planes, src, size, pad, kTimeOnCaller);
   jobs.ConvertOuterRows();
   jobs.middle.Rows({1, static_cast<int32_t>(size.height - 2)});
   return Status::kSuccess;
@@ -71,7 +71,7 @@ Status PlanesOnCaller(Phase phase, const ColourPlanes& planes, const void* src, 
 Status PlanesOnPool(Phase phase, const ColourPlanes& planes, const void* src, FrameSize size, bool pad) {
   const Status status = Check(planes, src, size);
   if (status != Status::kSuccess || size.Empty()) return status;
-  PlanesJobs jobs(phase, planes, src, size, pad, TimeOnPool(BayerDepth::k8));
+  PlanesJobs jobs(phase, planes, src, size, pad, TimeOnPool());
   jobs.ConvertOuterRows();
   jobs.middle.rows.pad_bytes = 0;
   return mp::RunOnPool(
