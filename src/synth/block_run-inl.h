@@ -35,6 +35,11 @@ HWY_INLINE size_t PixelsToLine(const uint8_t* to) {
   return x;
 }
 
+template <size_t kBytes>
+HWY_INLINE void Fetch(const uint8_t* from) {
+  for (size_t byte = 0; byte < kBytes; byte += kCacheLine) hwy::Prefetch(from + byte);
+}
+
 template <StoreKind kStores, class Maker>
 HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, size_t pixels) {
   constexpr size_t kBlock = Maker::kBlock;
@@ -56,15 +61,18 @@ HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, si
         blocks, [&](size_t i, size_t ahead) PRISMO_INLINE {
           const size_t at = x + i * kBlock;
           const uint8_t* const from = src + Maker::InBytes(at);
-          for (size_t byte = 0; byte < Maker::InBytes(kBlock); byte += kCacheLine) {
-            hwy::Prefetch(from + byte + ahead);
-          }
+          Fetch<Maker::InBytes(kBlock)>(from + ahead);
           maker.template Block<kStores>(dst + Maker::OutBytes(at), from, at);
         });
   } else {
+    // Reads ahead where most is read: 0.8 to 1.0 of the time at 1920x1080, where the source is in the far
+    // cache (AMD). Elsewhere it gains nothing or costs 1.06 to 1.09.
+    constexpr bool kReadsAhead = Maker::InBytes(kBlock) >= 2 * Maker::OutBytes(kBlock);
     for (size_t i = 0; i < blocks; ++i) {
       const size_t at = x + i * kBlock;
-      maker.template Block<kStores>(dst + Maker::OutBytes(at), src + Maker::InBytes(at), at);
+      const uint8_t* const from = src + Maker::InBytes(at);
+      if constexpr (kReadsAhead) Fetch<Maker::InBytes(kBlock)>(from + kPrefetchBytes);
+      maker.template Block<kStores>(dst + Maker::OutBytes(at), from, at);
     }
   }
   x += blocks * kBlock;
