@@ -10,7 +10,6 @@
 #include "convert/byte_moves-inl.h"
 #include "convert/sources-inl.h"
 #include "convert/yuv_sources-inl.h"
-#include "hwy/cache_control.h"
 #include "hwy/highway.h"
 #include "simd/block_order-inl.h"
 #include "simd/sinks-inl.h"
@@ -211,10 +210,8 @@ HWY_INLINE void RunTo(const Source& source, const Sink& sink, const uint8_t* src
     plain(0, x);
     const size_t blocks = (pixels - x) / kStreamPixels;
     constexpr size_t kInBytes = Source::kGroup.Bytes(kStreamPixels);
-    const auto fetch = [&](size_t first, size_t bytes, size_t ahead) PRISMO_INLINE {
-      const uint8_t* const from = src + Source::kGroup.Bytes(first) + ahead;
-      for (size_t byte = 0; byte < bytes; byte += kCacheLine) hwy::Prefetch(from + byte);
-    };
+    const auto fetch = [&](size_t first, size_t bytes, size_t ahead)
+                           PRISMO_INLINE { Fetch(src + Source::kGroup.Bytes(first) + ahead, bytes); };
     const auto block = [&](size_t i, size_t ahead) PRISMO_INLINE {
       const size_t first = x + i * kStreamPixels;
       fetch(first, kInBytes, ahead);
@@ -252,7 +249,7 @@ void Copy(uint8_t* dst, const uint8_t* src, size_t pixels, uint32_t) {
     const size_t first = done, blocks = (bytes - done) / kBlock;
     AtSeveralPlaces<kBlock, kBlock>(blocks, [&](size_t block, size_t ahead) PRISMO_INLINE {
       const size_t at = first + block * kBlock;
-      for (size_t i = at; i < at + kBlock; i += kCacheLine) hwy::Prefetch(src + i + ahead);
+      Fetch(src + at + ahead, kBlock);
       for (size_t i = at; i < at + kBlock; i += kLanes) hn::Stream(hn::LoadU(D8(), src + i), D8(), dst + i);
     });
     done += blocks * kBlock;

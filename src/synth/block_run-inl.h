@@ -6,7 +6,6 @@
 #define PRISMO_SYNTH_BLOCK_RUN_INL_H_
 #endif
 
-#include "hwy/cache_control.h"
 #include "simd/block_order-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -35,11 +34,6 @@ HWY_INLINE size_t PixelsToLine(const uint8_t* to) {
   return x;
 }
 
-template <size_t kBytes>
-HWY_INLINE void Fetch(const uint8_t* from) {
-  for (size_t byte = 0; byte < kBytes; byte += kCacheLine) hwy::Prefetch(from + byte);
-}
-
 template <StoreKind kStores, class Maker>
 HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, size_t pixels) {
   constexpr size_t kBlock = Maker::kBlock;
@@ -61,7 +55,7 @@ HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, si
         blocks, [&](size_t i, size_t ahead) PRISMO_INLINE {
           const size_t at = x + i * kBlock;
           const uint8_t* const from = src + Maker::InBytes(at);
-          Fetch<Maker::InBytes(kBlock)>(from + ahead);
+          Fetch(from + ahead, Maker::InBytes(kBlock));
           maker.template Block<kStores>(dst + Maker::OutBytes(at), from, at);
         });
   } else {
@@ -71,7 +65,7 @@ HWY_INLINE void MakeRun(const Maker& maker, uint8_t* dst, const uint8_t* src, si
     for (size_t i = 0; i < blocks; ++i) {
       const size_t at = x + i * kBlock;
       const uint8_t* const from = src + Maker::InBytes(at);
-      if constexpr (kReadsAhead) Fetch<Maker::InBytes(kBlock)>(from + kPrefetchBytes);
+      if constexpr (kReadsAhead) Fetch(from + kPrefetchBytes, Maker::InBytes(kBlock));
       maker.template Block<kStores>(dst + Maker::OutBytes(at), from, at);
     }
   }
